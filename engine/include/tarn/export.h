@@ -1,0 +1,16 @@
+#pragma once
+
+/// \file
+/// Marks what the shared library exports. Everything else is hidden.
+
+#if defined(_WIN32)
+#if defined(TARN_STATIC)
+#define TARN_API
+#elif defined(TARN_BUILDING)
+#define TARN_API __declspec(dllexport)
+#else
+#define TARN_API __declspec(dllimport)
+#endif
+#else
+#define TARN_API __attribute__((visibility("default")))
+#endif

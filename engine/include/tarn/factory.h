@@ -1,0 +1,57 @@
+#pragma once
+
+#include "tarn/collision_body.h"
+#include "tarn/collision_configuration.h"
+#include "tarn/collision_detector.h"
+#include "tarn/collision_element.h"
+#include "tarn/export.h"
+#include "tarn/triangle_data.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// \file
+/// The entry points: every object of the library is made here. The `make_` functions return a raw pointer that the
+/// caller owns and releases with `delete`; the companions below return owning handles and differ in nothing else.
+/// Allocation failure is `std::bad_alloc`. All are safe from any thread.
+
+namespace tarn {
+
+/// A mesh from triangles in local coordinates; those with an edge of squared length up to 1e-7 are dropped.
+[[nodiscard]] TARN_API ICollisionElement* make_element(const std::string& name,
+                                                       const std::vector<TriangleData>& triangles);
+/// A body without elements, at the identity placement.
+[[nodiscard]] TARN_API ICollisionBody* make_body(std::uint32_t id, std::uint64_t owner, const std::string& name);
+/// The same with the identifier as owner.
+[[nodiscard]] TARN_API ICollisionBody* make_body(std::uint32_t id, const std::string& name);
+/// A configuration without bodies.
+[[nodiscard]] TARN_API ICollisionConfiguration* make_configuration();
+[[nodiscard]] TARN_API ICollisionDetector* make_detector();
+
+/// Sole ownership.
+[[nodiscard]] TARN_API std::unique_ptr<ICollisionElement> make_unique_element(
+    const std::string& name,
+    const std::vector<TriangleData>& triangles);
+[[nodiscard]] TARN_API std::unique_ptr<ICollisionBody> make_unique_body(std::uint32_t id,
+                                                                        std::uint64_t owner,
+                                                                        const std::string& name);
+[[nodiscard]] TARN_API std::unique_ptr<ICollisionConfiguration> make_unique_configuration();
+[[nodiscard]] TARN_API std::unique_ptr<ICollisionDetector> make_unique_detector();
+
+/// Shared ownership, counter and object in one allocation.
+[[nodiscard]] TARN_API std::shared_ptr<ICollisionElement> make_shared_element(
+    const std::string& name,
+    const std::vector<TriangleData>& triangles);
+[[nodiscard]] TARN_API std::shared_ptr<ICollisionBody> make_shared_body(std::uint32_t id,
+                                                                        std::uint64_t owner,
+                                                                        const std::string& name);
+/// A body that holds the element and carries its name. The element is not owned. Throws `NullPointerException` for
+/// null and `BadCastException` for an element that `make_element` did not make.
+[[nodiscard]] TARN_API std::shared_ptr<ICollisionBody> make_shared_body(ICollisionElement* element,
+                                                                        std::uint32_t id,
+                                                                        std::uint64_t owner);
+[[nodiscard]] TARN_API std::shared_ptr<ICollisionConfiguration> make_shared_configuration();
+
+}  // namespace tarn

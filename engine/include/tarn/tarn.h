@@ -1,0 +1,19 @@
+#pragma once
+
+/// \file
+/// All public headers of the engine.
+
+#include "tarn/collision_body.h"
+#include "tarn/collision_configuration.h"
+#include "tarn/collision_detector.h"
+#include "tarn/collision_element.h"
+#include "tarn/collision_result.h"
+#include "tarn/dump_type.h"
+#include "tarn/exception.h"
+#include "tarn/export.h"
+#include "tarn/factory.h"
+#include "tarn/matrix.h"
+#include "tarn/thread_limit.h"
+#include "tarn/triangle_data.h"
+#include "tarn/triangle_segments.h"
+#include "tarn/version.h"
