@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include <unordered_set>
+#include <unordered_map>
 
 namespace tarn::program {
 namespace {
@@ -19,11 +19,14 @@ constexpr std::uint64_t kOwner = 0;
 }  // namespace
 
 void MakeNamesUnique(std::vector<Mesh>& meshes) {
-    std::unordered_set<std::string> names;
+    std::unordered_map<std::string, int>
+        last_numbers;  // of each name in use, the highest number tried behind it
     for (Mesh& mesh : meshes) {
         const std::string given = mesh.name;
-        for (int number = 2; !names.insert(mesh.name).second; ++number) {
-            mesh.name = fmt::format("{} ({})", given, number);
+        int& last_number = last_numbers.try_emplace(given, 0).first->second;
+        while (++last_number > 1) {
+            mesh.name = fmt::format("{} ({})", given, last_number);
+            if (last_numbers.try_emplace(mesh.name, 1).second) break;
         }
     }
 }

@@ -19,11 +19,10 @@ namespace {
 constexpr std::size_t kMostThreads = 1024;
 
 constexpr const char* kCheckFooter =
-    "Tolerances are absolute and suit millimetres: crossings of triangles with edges below about 0.01 mm are "
-    "not "
-    "seen, and coplanar faces with edges of many hundreds of millimetres can be seen to cross though they "
-    "are "
-    "apart.\n"
+    "Tolerances are absolute and suit millimetres: crossings of triangles with edges below about\n"
+    "0.01 mm are not seen, and coplanar faces with edges of many hundreds of millimetres can be seen\n"
+    "to cross though they are apart.\n"
+    "\n"
     "Exit status: 0 nothing interferes, 1 something does, 2 the check could not be done.";
 
 const std::map<std::string, tarn::CheckPolicy>& Policies() {
@@ -51,6 +50,10 @@ std::vector<std::string> NamesOf(const std::map<std::string, Value>& values) {
     return names;
 }
 
+std::string RefuseEmpty(const std::string& value) {
+    return value.empty() ? "must not be empty" : "";
+}
+
 /// An option whose value is one of a few names.
 template <typename Store>
 CLI::Option* AddChoice(CLI::App& command,
@@ -60,10 +63,10 @@ CLI::Option* AddChoice(CLI::App& command,
                        const Store& store) {
     return command.add_option_function<std::string>(option, store, description)
         ->check(CLI::IsMember(names))
-        ->type_name("");
+        ->type_name("NAME");
 }
 
-CLI::App& AddCheckCommand(CLI::App& program, CheckOptions& options) {
+void AddCheckCommand(CLI::App& program, CheckOptions& options) {
     CLI::App& check = *program.add_subcommand("check", "Find the parts of an assembly that interfere");
     check.footer(kCheckFooter);
     check.add_option("FILE", options.files, "STL files, text or binary; each is one body")
@@ -78,6 +81,7 @@ CLI::App& AddCheckCommand(CLI::App& program, CheckOptions& options) {
     CLI::Option* const dump_path = check
                                        .add_option("--dump-stl", options.dump_path,
                                                    "Write all bodies, in millimetres, as one text STL file")
+                                       ->check(CLI::Validator(RefuseEmpty, ""))
                                        ->type_name("FILE");
     AddChoice(check, "--dump", NamesOf(DumpTypes()), "What the dump shows (default triangles)",
               [&options](const std::string& name) { options.dump_type = DumpTypes().at(name); })
@@ -86,7 +90,6 @@ CLI::App& AddCheckCommand(CLI::App& program, CheckOptions& options) {
         ->check(CLI::Range(std::size_t{1}, kMostThreads))
         ->type_name("N");
     check.add_flag("--quiet", options.is_quiet, "Only the exit status: no report, warnings or progress");
-    return check;
 }
 
 ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
@@ -114,6 +117,8 @@ ExitStatus RunProgram(int argument_count, const char* const* arguments) {
         return ParseAndRun(argument_count, arguments);
     } catch (const tarn::Exception& error) {
         PrintError(error.displayText());  // its what() is the class name alone
+    } catch (const CLI::ParseError& error) {
+        PrintError(std::string(error.what()) + "; see --help");
     } catch (const std::bad_alloc&) {
         PrintError("out of memory");
     } catch (const std::exception& error) {

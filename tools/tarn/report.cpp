@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <string_view>
 #include <vector>
 
 namespace tarn::program {
@@ -25,6 +26,14 @@ std::string FormatMillimetres(double value) {
     constexpr double kHalfMicrometre = 0.0005;
     if (std::abs(value) < kHalfMicrometre) return "0.000";  // never "-0.000"
     return std::abs(value) < kLongest ? fmt::format("{:.3f}", value) : fmt::format("{:.9g}", value);
+}
+
+/// Columns on the screen: UTF-8 continuation bytes take none.
+std::size_t DisplayWidth(std::string_view text) {
+    const auto starts_character = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
+    };
+    return static_cast<std::size_t>(std::ranges::count_if(text, starts_character));
 }
 
 Row MakeRow(const tarn::CollisionPairResult& pair) {
@@ -47,13 +56,13 @@ std::string FormatTable(const tarn::CollisionResult& result) {
     std::array<std::size_t, kColumnCount> widths{};
     for (const Row& row : rows) {
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            widths[column] = std::max(widths[column], row[column].size());
+            widths[column] = std::max(widths[column], DisplayWidth(row[column]));
         }
     }
     std::string table;
     for (const Row& row : rows) {
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            const std::string padding(widths[column] - row[column].size(), ' ');
+            const std::string padding(widths[column] - DisplayWidth(row[column]), ' ');
             if (column > 0) table += "  ";
             table += column < kNameColumnCount ? row[column] + padding : padding + row[column];
         }
