@@ -5,6 +5,6 @@ if(MSVC)
 else()
   target_compile_options(tarn_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-    -Woverloaded-virtual=1 -Wnull-dereference -Wdouble-promotion
+    -Woverloaded-virtual -Wdouble-promotion
     $<$<BOOL:${TARN_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()

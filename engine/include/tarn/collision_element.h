@@ -9,9 +9,9 @@
 
 namespace tarn {
 
-/// A named triangle mesh in local coordinates that never changes. Several bodies may hold the same element, each
-/// under its own placement. Made by `make_element`, which drops every triangle that has an edge whose squared
-/// length is not above 1e-7, without a report.
+/// A named triangle mesh in local coordinates that never changes. Several bodies may hold the same element,
+/// each under its own placement. Made by `make_element`, which drops every triangle that has an edge whose
+/// squared length is not above 1e-7, without a report.
 ///
 /// Thread-safety: any number of threads may read one element.
 class TARN_API ICollisionElement {

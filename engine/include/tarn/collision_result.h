@@ -17,9 +17,9 @@ struct TARN_API CollisionPair {
     ICollisionBody* get_Second() const { return Second; }
 };
 
-/// One interfering couple. The bodies are not owned and stand in the order in which the configuration made the
-/// couple. `Triangles` is empty for the policies without triangles; for those with triangles it holds exactly one
-/// pair of intersecting triangles in world coordinates, the first body's triangle first.
+/// One interfering couple. The bodies are not owned and stand in the order in which the configuration made
+/// the couple. `Triangles` is empty for the policies without triangles; for those with triangles it holds
+/// exactly one pair of intersecting triangles in world coordinates, the first body's triangle first.
 struct TARN_API CollisionPairResult {
     ICollisionBody* First = nullptr;
     ICollisionBody* Second = nullptr;
@@ -30,7 +30,8 @@ struct TARN_API CollisionPairResult {
     const std::vector<TriangleDataPair>& get_Triangles() const { return Triangles; }
 };
 
-/// The answer of an interference check: a plain value whose body pointers are valid as long as the bodies live.
+/// The answer of an interference check: a plain value whose body pointers are valid as long as the bodies
+/// live.
 struct TARN_API CollisionResult {
     std::vector<CollisionPairResult> Pairs;
     /// The result's own list, which the detector leaves empty.

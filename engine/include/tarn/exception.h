@@ -8,11 +8,11 @@
 
 namespace tarn {
 
-/// Root of the exceptions that the library throws (the one exception to that is the `std::invalid_argument` of
-/// `ICollisionBody::SetLeafNumber`; allocation failures stay `std::bad_alloc`).
+/// Root of the exceptions that the library throws (the one exception to that is the `std::invalid_argument`
+/// of `ICollisionBody::SetLeafNumber`; allocation failures stay `std::bad_alloc`).
 ///
-/// An exception carries a message, which may be empty, and may own a copy of another exception that caused it.
-/// `what()` answers with the class name only, so whoever prints an error prints `displayText()`.
+/// An exception carries a message, which may be empty, and may own a copy of another exception that caused
+/// it. `what()` answers with the class name only, so whoever prints an error prints `displayText()`.
 ///
 /// Thread-safety: as any value; concurrent reads are safe.
 class TARN_API Exception : public std::exception {
@@ -54,14 +54,17 @@ private:
     std::unique_ptr<Exception> nested_;
 };
 
-/// What every class below `Exception` overrides, written once: name, copy and re-raise with the dynamic class.
+/// What every class below `Exception` overrides, written once: name, copy and re-raise with the dynamic
+/// class.
 template <typename Derived, typename Base>
 class TARN_API ExceptionOf : public Base {
 public:
     using Base::Base;
 
     const char* name() const noexcept override { return Derived::kName; }
-    [[nodiscard]] Exception* clone() const override { return new Derived(static_cast<const Derived&>(*this)); }
+    [[nodiscard]] Exception* clone() const override {
+        return new Derived(static_cast<const Derived&>(*this));
+    }
     [[noreturn]] void rethrow() const override { throw Derived(static_cast<const Derived&>(*this)); }
 };
 

@@ -13,9 +13,9 @@
 #include <vector>
 
 /// \file
-/// The entry points: every object of the library is made here. The `make_` functions return a raw pointer that the
-/// caller owns and releases with `delete`; the companions below return owning handles and differ in nothing else.
-/// Allocation failure is `std::bad_alloc`. All are safe from any thread.
+/// The entry points: every object of the library is made here. The `make_` functions return a raw pointer
+/// that the caller owns and releases with `delete`; the companions below return owning handles and differ in
+/// nothing else. Allocation failure is `std::bad_alloc`. All are safe from any thread.
 
 namespace tarn {
 
@@ -23,7 +23,9 @@ namespace tarn {
 [[nodiscard]] TARN_API ICollisionElement* make_element(const std::string& name,
                                                        const std::vector<TriangleData>& triangles);
 /// A body without elements, at the identity placement.
-[[nodiscard]] TARN_API ICollisionBody* make_body(std::uint32_t id, std::uint64_t owner, const std::string& name);
+[[nodiscard]] TARN_API ICollisionBody* make_body(std::uint32_t id,
+                                                 std::uint64_t owner,
+                                                 const std::string& name);
 /// The same with the identifier as owner.
 [[nodiscard]] TARN_API ICollisionBody* make_body(std::uint32_t id, const std::string& name);
 /// A configuration without bodies.
@@ -32,8 +34,7 @@ namespace tarn {
 
 /// Sole ownership.
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionElement> make_unique_element(
-    const std::string& name,
-    const std::vector<TriangleData>& triangles);
+    const std::string& name, const std::vector<TriangleData>& triangles);
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionBody> make_unique_body(std::uint32_t id,
                                                                         std::uint64_t owner,
                                                                         const std::string& name);
@@ -42,13 +43,12 @@ namespace tarn {
 
 /// Shared ownership, counter and object in one allocation.
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionElement> make_shared_element(
-    const std::string& name,
-    const std::vector<TriangleData>& triangles);
+    const std::string& name, const std::vector<TriangleData>& triangles);
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionBody> make_shared_body(std::uint32_t id,
                                                                         std::uint64_t owner,
                                                                         const std::string& name);
-/// A body that holds the element and carries its name. The element is not owned. Throws `NullPointerException` for
-/// null and `BadCastException` for an element that `make_element` did not make.
+/// A body that holds the element and carries its name. The element is not owned. Throws
+/// `NullPointerException` for null and `BadCastException` for an element that `make_element` did not make.
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionBody> make_shared_body(ICollisionElement* element,
                                                                         std::uint32_t id,
                                                                         std::uint64_t owner);

@@ -10,9 +10,9 @@ namespace tarn {
 ///     x' = m[0] x + m[1] y + m[2]  z + m[3]
 ///     y' = m[4] x + m[5] y + m[6]  z + m[7]
 ///     z' = m[8] x + m[9] y + m[10] z + m[11]
-/// Translations are in the caller's length unit. Nothing checks that the 3x3 part is a rotation: scales, shears and
-/// mirrors are applied as they stand. Two matrices are the same placement only when all their bytes are equal, so
-/// -0.0 and 0.0 differ.
+/// Translations are in the caller's length unit. Nothing checks that the 3x3 part is a rotation: scales,
+/// shears and mirrors are applied as they stand. Two matrices are the same placement only when all their
+/// bytes are equal, so -0.0 and 0.0 differ.
 struct MATRIX {
     double m[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
 

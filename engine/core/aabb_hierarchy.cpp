@@ -1,0 +1,119 @@
+#include "core/aabb_hierarchy.h"
+
+#include "core/aabb_hierarchy_build.h"
+#include "core/parallel.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+namespace tarn::details {
+
+namespace {
+
+/// Items a task copies into the tree's blocks. Copying one takes a few nanoseconds, a task some microseconds.
+constexpr std::size_t kCopyChunk = 4096;
+
+/// The box of a tree without triangles: beyond everything. `AABBHierarchyNode::IsEmpty` says so where NaN
+/// would not.
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr Vector3 kEmptyMin{kInfinity, kInfinity, kInfinity};
+constexpr Vector3 kEmptyMax{-kInfinity, -kInfinity, -kInfinity};
+
+bool Contains(const Box& outer, const Box& inner) {
+    return !(inner.min.x < outer.min.x || inner.min.y < outer.min.y || inner.min.z < outer.min.z ||
+             inner.max.x > outer.max.x || inner.max.y > outer.max.y || inner.max.z > outer.max.z);
+}
+
+}  // namespace
+
+AABBHierarchy::AABBHierarchy(const std::vector<const Triangle*>& triangles,
+                             std::uint16_t leaf_number,
+                             const MATRIX* placement)
+    : placement_(placement),
+      generation_(1),
+      leaf_number_(leaf_number) {
+    // An inner node per split and a leaf per run of triangles: both indices fit into 31 bits then.
+    if (triangles.size() >= (std::size_t{1} << 30)) throw std::length_error("too many triangles in one body");
+    if (triangles.empty()) {
+        node_count_ = 1;
+        nodes_ = std::make_unique<AABBHierarchyNode[]>(1);
+        nodes_[0].tree_ = this;
+        nodes_[0].link_ = AABBHierarchyNode::kLeafBit;
+        nodes_[0].local_min_ = kEmptyMin;
+        nodes_[0].local_max_ = kEmptyMax;
+        nodes_[0].world_box_ = {kEmptyMin, kEmptyMax, 0.0};
+        return;
+    }
+
+    const BuiltTree built = BuildTree(triangles, leaf_number);
+    node_count_ = built.nodes.size();
+    nodes_ = std::make_unique<AABBHierarchyNode[]>(node_count_);
+    ParallelFor(node_count_, kCopyChunk, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            const BuiltNode& from = built.nodes[i];
+            AABBHierarchyNode& to = nodes_[i];
+            to.tree_ = this;
+            to.local_min_ = from.local_box.min;
+            to.local_max_ = from.local_box.max;
+            to.world_box_ = from.local_box;
+            to.link_ = from.second_child_offset != 0 ? from.second_child_offset
+                                                     : AABBHierarchyNode::kLeafBit | from.first_triangle;
+            to.triangle_count_ = static_cast<std::uint16_t>(from.triangle_count);
+        }
+    });
+    local_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
+    world_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
+    ParallelFor(triangles.size(), kCopyChunk, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            const Triangle& triangle = *triangles[built.order[i]];
+            local_triangles_[i] = triangle;
+            world_triangles_[i] = triangle;
+        }
+    });
+}
+
+const AABBHierarchyNode* AABBHierarchyNode::LastOfSubtree() const {
+    const AABBHierarchyNode* node = this;
+    while (!node->IsLeaf()) node = node->SecondChild();
+    return node;
+}
+
+NodeStatistics AABBHierarchyNode::Statistics() const {
+    NodeStatistics statistics{0, 0, triangle_count_};
+    const AABBHierarchyNode* first_leaf = this;
+    for (; !first_leaf->IsLeaf(); first_leaf = first_leaf->FirstChild()) ++statistics.depth;
+    // The triangles of a subtree are one run, because the leaves are numbered in pre-order.
+    const AABBHierarchyNode* last_leaf = LastOfSubtree();
+    statistics.total_triangles =
+        last_leaf->FirstTriangle() + last_leaf->triangle_count_ - first_leaf->FirstTriangle();
+    return statistics;
+}
+
+void AABBHierarchyNode::Accept(AABBHierarchyNodeVisitor& visitor) const {
+    const AABBHierarchyNode* last = LastOfSubtree();
+    for (const AABBHierarchyNode* node = this; node != last;) visitor.Visit(++node);
+}
+
+bool AABBHierarchy::IsConsistent() const {
+    std::size_t next_triangle = 0;
+    for (std::size_t i = 0; i < node_count_; ++i) {
+        const AABBHierarchyNode& node = nodes_[i];
+        if (node.tree_ != this) return false;
+        const Box box = node.LocalBox();
+        if (node.IsLeaf()) {
+            if (node.FirstTriangle() != next_triangle || node.triangle_count_ > leaf_number_) return false;
+            next_triangle += node.triangle_count_;
+            const auto inside = [&](const Triangle& t) { return Contains(box, TriangleBox(t)); };
+            if (!std::ranges::all_of(LocalTriangles(node), inside)) return false;
+        } else {
+            if (node.link_ < 2 || i + node.link_ >= node_count_) return false;
+            if (!Contains(box, node.FirstChild()->LocalBox())) return false;
+            if (!Contains(box, node.SecondChild()->LocalBox())) return false;
+            if (node.FirstChild()->LastOfSubtree() + 1 != node.SecondChild()) return false;
+        }
+    }
+    return nodes_[0].LastOfSubtree() == &nodes_[node_count_ - 1];
+}
+
+}  // namespace tarn::details
