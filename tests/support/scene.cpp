@@ -1,0 +1,35 @@
+#include "support/scene.h"
+
+#include "tarn/factory.h"
+
+#include <string>
+
+namespace tarn::test {
+
+Scene::Scene(std::int16_t leaf_number)
+    : leaf_number_(leaf_number),
+      configuration_(make_unique_configuration()) {}
+
+ICollisionElement* Scene::AddElement(const Mesh& mesh) {
+    elements_.push_back(make_unique_element("element " + std::to_string(elements_.size() + 1), mesh));
+    return elements_.back().get();
+}
+
+details::CollisionBody* Scene::AddBody(ICollisionElement* element,
+                                       const MATRIX& placement,
+                                       std::uint64_t owner) {
+    const auto id = static_cast<std::uint32_t>(bodies_.size() + 1);
+    bodies_.push_back(std::make_unique<details::CollisionBody>(id, owner, "body " + std::to_string(id)));
+    details::CollisionBody* body = bodies_.back().get();
+    body->AddElement(element);
+    body->SetMatrix(placement);
+    body->SetLeafNumber(leaf_number_);
+    configuration_->AddElement(body);
+    return body;
+}
+
+details::CollisionBody* Scene::AddBody(const Mesh& mesh, const MATRIX& placement, std::uint64_t owner) {
+    return AddBody(AddElement(mesh), placement, owner);
+}
+
+}  // namespace tarn::test

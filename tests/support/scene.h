@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/collision_body.h"
+#include "support/meshes.h"
+
+#include "tarn/collision_configuration.h"
+#include "tarn/collision_element.h"
+#include "tarn/matrix.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tarn::test {
+
+/// Bodies with their elements and a configuration, all owned here. Identifiers count from 1, so tests that
+/// remove bodies must mind which identifiers contain which bits.
+class Scene {
+public:
+    explicit Scene(std::int16_t leaf_number = 5);
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    /// Adds an element that bodies may share.
+    ICollisionElement* AddElement(const Mesh& mesh);
+    /// Adds a built body over an element and puts it into the configuration, without couples.
+    details::CollisionBody* AddBody(ICollisionElement* element,
+                                    const MATRIX& placement,
+                                    std::uint64_t owner = 0);
+    details::CollisionBody* AddBody(const Mesh& mesh, const MATRIX& placement = {}, std::uint64_t owner = 0);
+
+    ICollisionConfiguration& Configuration() { return *configuration_; }
+    const std::vector<std::unique_ptr<details::CollisionBody>>& Bodies() const { return bodies_; }
+
+private:
+    std::int16_t leaf_number_;
+    std::vector<std::unique_ptr<ICollisionElement>> elements_;
+    std::vector<std::unique_ptr<details::CollisionBody>> bodies_;
+    std::unique_ptr<ICollisionConfiguration> configuration_;
+};
+
+}  // namespace tarn::test
