@@ -40,7 +40,7 @@ std::uint64_t Assembly::Add(const Mesh& mesh) {
     bodies_.push_back(tarn::make_unique_body(identifier, kOwner, mesh.name));
     bodies_.back()->AddElement(elements_.back().get());
     bodies_.back()->SetLeafNumber(kLeafNumber);
-    configuration_->AddElement(bodies_.back().get(), true);
+    configuration_->AddElement(bodies_.back().get());
     return elements_.back()->GetTrianglesCount();
 }
 

@@ -18,7 +18,7 @@ namespace tarn::program {
 /// unique.
 void MakeNamesUnique(std::vector<Mesh>& meshes);
 
-/// A set of meshes, ready to be checked: one body each, where the mesh stands, all couples enabled.
+/// A set of meshes, ready to be checked: one body each, where the mesh stands.
 class Assembly final {
 public:
     Assembly();
@@ -28,6 +28,9 @@ public:
     /// Adds a mesh as one body and builds its hierarchy, in parallel. Returns how many triangles the engine
     /// kept.
     std::uint64_t Add(const Mesh& mesh);
+
+    /// Enables all couples of the bodies added so far: of each couple, the body added earlier comes first.
+    void EnableAllCouples() { configuration_->EnableAllCouples(); }
 
     std::size_t body_count() const { return bodies_.size(); }
     tarn::ICollisionConfiguration& configuration() { return *configuration_; }

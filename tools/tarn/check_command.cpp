@@ -77,6 +77,7 @@ private:
             summary_.dropped_triangle_count += mesh.triangles.size() - kept_count;
             mesh.triangles = {};  // the engine has its own copy; large assemblies need the memory
         }
+        assembly_.EnableAllCouples();
         summary_.body_count = assembly_.body_count();
         summary_.couple_count = assembly_.configuration().RetrieveCouplesCount();
     }

@@ -46,6 +46,7 @@ const std::map<std::string, tarn::DumpType>& DumpTypes() {
 template <typename Value>
 std::vector<std::string> NamesOf(const std::map<std::string, Value>& values) {
     std::vector<std::string> names;
+    names.reserve(values.size());
     for (const auto& [name, value] : values) names.push_back(name);
     return names;
 }

@@ -30,6 +30,7 @@ double MillimetresPer(LengthUnit unit) {
 
 std::vector<std::string> LengthUnitNames() {
     std::vector<std::string> names;
+    names.reserve(kUnits.size());
     for (const UnitRow& row : kUnits) names.emplace_back(row.name);
     return names;
 }
