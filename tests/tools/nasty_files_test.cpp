@@ -11,15 +11,14 @@
 namespace tarn::program {
 namespace {
 
-/// Awkward files from real exporters, and damaged copies of a real part. They are no part of the project;
-/// TARN_DATA names the folder that holds them.
+/// Awkward files from real exporters, and damaged copies of a real part. They are no part of the project:
+/// the build says where they lie, or the variable TARN_DATA does.
 class NastyFiles : public testing::Test {
 protected:
     void SetUp() override {
         const char* const folder = std::getenv("TARN_DATA");
-        if (folder == nullptr) GTEST_SKIP() << "TARN_DATA names no folder of test geometry";
-        folder_ = std::filesystem::path(folder) / "nasty";
-        if (!std::filesystem::is_directory(folder_)) GTEST_SKIP() << "TARN_DATA holds no folder 'nasty'";
+        folder_ = std::filesystem::path(folder == nullptr ? TARN_DATA_DIR : folder) / "nasty";
+        if (!std::filesystem::is_directory(folder_)) GTEST_SKIP() << "no folder " << folder_;
     }
 
     StlContent Read(const std::string& name) const { return ReadStl(ReadWholeFile(folder_ / name), 1); }
