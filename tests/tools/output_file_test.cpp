@@ -1,5 +1,6 @@
 #include "output_file.h"
 
+#include "file_content.h"
 #include "program_error.h"
 #include "temporary_folder.h"
 
@@ -23,7 +24,7 @@ TEST(OutputFile, TakesThePlaceOfAnOlderFileAndKeepsItsPermissions) {
     const fs::perms permissions = fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read;
     fs::permissions(folder / "file", permissions);
     WriteNew(folder / "file");
-    EXPECT_EQ(ReadFile(folder / "file"), "new");
+    EXPECT_EQ(ReadWholeFile(folder / "file"), "new");
     EXPECT_EQ(fs::status(folder / "file").permissions(), permissions);
     EXPECT_EQ(folder.FileCount(), 1U);
 }
@@ -36,7 +37,7 @@ TEST(OutputFile, SymbolicLinksStayAndTheirTargetsAreWritten) {
     for (const char* const older : {"", "older"}) {
         if (*older != '\0') folder.Write("deep/file", older);
         WriteNew(folder / "chain");
-        EXPECT_EQ(ReadFile(folder / "deep/file"), "new");
+        EXPECT_EQ(ReadWholeFile(folder / "deep/file"), "new");
         EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_symlink(folder / "chain"));
     }
     fs::create_symlink("circle", folder / "circle");
@@ -56,7 +57,7 @@ TEST(OutputFile, AFailureLeavesTheOlderFileAndNothingElse) {
     };
     EXPECT_THROW(WriteOutputFile(folder / "file", throws), std::runtime_error);
     EXPECT_THROW(WriteOutputFile(folder / "file", breaks), ProgramError);
-    EXPECT_EQ(ReadFile(folder / "file"), "older");
+    EXPECT_EQ(ReadWholeFile(folder / "file"), "older");
     EXPECT_THROW(WriteOutputFile(folder / "fresh", breaks), ProgramError);
     EXPECT_EQ(folder.FileCount(), 1U);
 }

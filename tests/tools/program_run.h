@@ -1,5 +1,6 @@
 #pragma once
 
+#include "file_content.h"
 #include "temporary_folder.h"
 
 #include <sys/wait.h>
@@ -33,7 +34,7 @@ inline ProgramRun RunTarn(const std::vector<std::string>& arguments,
     command += " >" + Quoted(output_path) + " 2>" + Quoted((folder / "errors").string());
     const int state = std::system(command.c_str());
     return {WIFEXITED(state) ? WEXITSTATUS(state) : -1,
-            output.empty() ? ReadFile(output_path) : std::string(), ReadFile(folder / "errors")};
+            output.empty() ? ReadWholeFile(output_path) : std::string(), ReadWholeFile(folder / "errors")};
 }
 
 }  // namespace tarn::program

@@ -8,21 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TARN_TESTS_ARE_SANITIZED
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TARN_TESTS_ARE_SANITIZED
-#endif
+#include <iterator>
+#include <sstream>
+#include <tuple>
 
 namespace tarn::program {
 namespace {
-
-namespace fs = std::filesystem;
 
 // The upright triangle cuts the level one from (2, 2, 0) to (8, 2, 0): the one lies in y = 2, the other in z
 // = 0.
@@ -188,9 +179,6 @@ TEST_F(Program, WhatCannotBeWrittenIsOneLineAndOlderFilesStay) {
     ExpectFailure(Check({"--dump-stl", "/dev/full", level_}), "/dev/full: cannot be written (No space");
     ExpectFailure(Check({"--dump-stl", level_ + "/below", level_}),
                   "below: cannot be written (Not a directory)");
-    ExpectFailure(Check({"--dump-stl", (folder_ / "no/dump.stl").string(), level_}),
-                  "dump.stl: cannot be written");
-    ExpectFailure(Check({"--dump-stl", "/dev", level_}), "/dev: cannot be written (is a folder)");
 
     const std::string older = folder_.Write("older.stl", "older");
     ExpectFailure(Check({"--dump-stl", older, (folder_ / "missing.stl").string()}), "missing.stl");
@@ -199,7 +187,7 @@ TEST_F(Program, WhatCannotBeWrittenIsOneLineAndOlderFilesStay) {
     const std::string large = folder_.Write("large.stl", TextStl(Triangles(1000, kLevel)));
     ExpectFailure(RunTarn({"check", "--dump-stl", older, large}, "trap '' XFSZ; ulimit -f 1; "),
                   "older.stl: cannot be written (File too large)");
-    EXPECT_EQ(ReadFile(older), "older");
+    EXPECT_EQ(ReadWholeFile(older), "older");
     EXPECT_EQ(folder_.FileCount(), 5U);
 }
 
@@ -209,15 +197,6 @@ TEST_F(Program, VersionAndHelpGoToStandardOutput) {
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.errors, "");
     EXPECT_TRUE(Contains(help.output, "--policy") && Contains(help.output, "Tolerances are absolute"));
-}
-
-TEST_F(Program, ExhaustedMemoryIsOneLine) {
-#if defined(TARN_TESTS_ARE_SANITIZED)
-    GTEST_SKIP() << "sanitizers need more address space than any limit leaves";
-#endif
-    const std::string sparse = folder_.Write("sparse.stl", "");
-    fs::resize_file(sparse, std::uintmax_t{1} << 34U);
-    ExpectFailure(RunTarn({"check", sparse}, "ulimit -v 4000000; "), "out of memory");
 }
 
 }  // namespace

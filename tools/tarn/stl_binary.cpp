@@ -35,7 +35,7 @@ tarn::TriangleData FacetAt(std::string_view bytes, std::size_t offset, double mi
     std::array<double, 9> c{};
     std::size_t position = offset + kNormalSize;
     for (double& coordinate : c) {
-        const double value{std::bit_cast<float>(WordAt(bytes, position))};
+        const auto value = static_cast<double>(std::bit_cast<float>(WordAt(bytes, position)));
         coordinate = ConvertCoordinate(value, millimetres_per_unit);
         position += sizeof(float);
     }
