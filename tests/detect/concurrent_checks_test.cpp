@@ -1,0 +1,106 @@
+#include "detect/collision_detector.h"
+#include "support/meshes.h"
+#include "support/placements.h"
+#include "support/scene.h"
+
+#include "tarn/factory.h"
+
+#include <gtest/gtest.h>
+
+#include <barrier>
+#include <random>
+#include <thread>
+#include <utility>
+#include <vector>
+
+/// Scenes for ThreadSanitizer in the first place: it reports a race that a wrong refresh or update would be,
+/// whether or not the answers suffer.
+
+namespace tarn::details {
+namespace {
+
+using test::Scene;
+using Couples = std::vector<std::pair<ICollisionBody*, ICollisionBody*>>;
+
+constexpr int kBodies = 40;
+
+void FillWithMovingBodies(Scene& scene) {
+    ICollisionElement* ball = scene.AddElement(test::BumpyBallMesh(1.5, 10));
+    for (int i = 0; i < kBodies; ++i) scene.AddBody(ball, {});
+    scene.Configuration().EnableAllCouples();
+}
+
+void MoveAll(Scene& scene, std::mt19937_64& random) {
+    for (const auto& body : scene.Bodies()) body->SetMatrix(test::RandomRigid(random, 5.0));
+}
+
+Couples InterferingCouples(ICollisionConfiguration& configuration) {
+    CollisionResult result;
+    CollisionDetector().Check(result, configuration, CheckPolicy::AllInterferences);
+    Couples couples;
+    for (const CollisionPairResult& pair : result.Pairs) couples.emplace_back(pair.First, pair.Second);
+    return couples;
+}
+
+// Hundreds of couples share moved bodies, so that several threads reach the same stale nodes at once.
+TEST(ConcurrentChecks, RefreshSharedBodiesOnce) {
+    Scene scene;
+    FillWithMovingBodies(scene);
+    std::mt19937_64 random(1);
+    for (int move = 0; move < 5; ++move) {
+        MoveAll(scene, random);
+        const Couples couples = InterferingCouples(scene.Configuration());
+        EXPECT_FALSE(couples.empty());
+        EXPECT_EQ(couples, InterferingCouples(scene.Configuration()));
+    }
+}
+
+// Checks start together on one configuration and on another with the same bodies, all placements still
+// pending.
+TEST(ConcurrentChecks, ApplyPendingPlacementsOnce) {
+    Scene scene;
+    FillWithMovingBodies(scene);
+    const std::unique_ptr<ICollisionConfiguration> other(scene.Configuration().Clone());
+    std::mt19937_64 random(2);
+    for (int move = 0; move < 5; ++move) {
+        MoveAll(scene, random);
+        constexpr std::size_t kThreads = 4;
+        std::vector<Couples> found(kThreads);
+        std::barrier start(static_cast<std::ptrdiff_t>(kThreads));
+        std::vector<std::thread> threads;
+        for (std::size_t i = 0; i < kThreads; ++i) {
+            threads.emplace_back([&, i] {
+                start.arrive_and_wait();
+                found[i] = InterferingCouples(i % 2 == 0 ? scene.Configuration() : *other);
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        for (const Couples& couples : found) EXPECT_EQ(couples, found[0]);
+        EXPECT_EQ(InterferingCouples(scene.Configuration()), found[0]);
+        EXPECT_FALSE(found[0].empty());
+    }
+}
+
+TEST(ConcurrentChecks, ReadersMayRunBesideChecks) {
+    Scene scene;
+    FillWithMovingBodies(scene);
+    std::mt19937_64 random(3);
+    MoveAll(scene, random);
+    std::thread reader([&] {
+        for (int round = 0; round < 20; ++round) {
+            std::vector<CollisionPair> couples;
+            scene.Configuration().UpdateBodies();
+            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples).size(), kBodies * (kBodies - 1) / 2U);
+            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples, scene.Bodies()[3].get()).size(),
+                      kBodies - 1U);
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_TRUE(CollisionDetector().Check(scene.Configuration()));
+        EXPECT_FALSE(InterferingCouples(scene.Configuration()).empty());
+    }
+    reader.join();
+}
+
+}  // namespace
+}  // namespace tarn::details
