@@ -12,7 +12,7 @@
 
 namespace gearbox {
 
-/// Clearance between faces that are in contact, in millimetres: ten times the error of the finest chords.
+/// Clearance between faces that are in contact, in millimetres: more than twice the error of circles' chords.
 inline constexpr double kSlip = 0.1;
 
 struct BoltSize {

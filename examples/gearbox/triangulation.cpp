@@ -20,6 +20,7 @@ public:
     Triangulator(const Contour& outline, const std::vector<Contour>& holes) {
         polygon_ = AddContour(outline);
         std::vector<std::vector<std::size_t>> rings;
+        rings.reserve(holes.size());
         for (const Contour& hole : holes) {
             rings.push_back(AddContour(SignedArea(hole) < 0 ? hole : Reversed(hole)));
         }
@@ -34,6 +35,7 @@ public:
         ClipEars();
         ImproveDiagonals();
         std::vector<std::array<Point, 3>> result;
+        result.reserve(triangles_.size());
         for (const Corners& t : triangles_) result.push_back({points_[t[0]], points_[t[1]], points_[t[2]]});
         return result;
     }
@@ -169,6 +171,7 @@ private:
         };
         for (std::size_t i = 0; i < triangles_.size(); ++i) enter(i, triangles_[i]);
         std::vector<Edge> pending;
+        pending.reserve(owner.size());
         for (const auto& [edge, index] : owner) pending.push_back(edge);
         while (!pending.empty()) {
             const auto [a, b] = pending.back();
