@@ -1,5 +1,6 @@
 #include "gearbox/contour.h"
 #include "gearbox/gearbox_model.h"
+#include "gearbox/involute_gear.h"
 #include "gearbox/solid.h"
 #include "gearbox/stl_writer.h"
 #include "gearbox/triangulation.h"
@@ -120,6 +121,51 @@ TEST(Gearbox, EachFaultHasItsOwnCause) {
     }
 }
 
+// Whether two gears touch at all of twelve positions through one tooth pitch, at none, or at some.
+enum class Mesh { Free, Crossing, Changing };
+
+Mesh TurnThroughOnePitch(const GearSize& first_size, const GearSize& second_size, double centre_distance) {
+    const Solid first_solid = Stack(0, {Slice::Straight(5, {GearOutline(first_size, 0)})});
+    const Solid second_solid =
+        Stack(0, {Slice::Straight(6, {GearOutlineWithSpaceAt(second_size, std::numbers::pi)})});
+    const auto first_element = tarn::make_unique_element("first", first_solid);
+    const auto second_element = tarn::make_unique_element("second", second_solid);
+    const auto first = tarn::make_shared_body(first_element.get(), 1, 1);
+    const auto second = tarn::make_shared_body(second_element.get(), 2, 2);
+    const auto configuration = tarn::make_unique_configuration();
+    for (const auto& body : {first, second}) {
+        body->SetLeafNumber(5);
+        configuration->AddElement(body.get(), true);
+    }
+    const auto turned = [](double angle, double x, double z) {
+        const double c = std::cos(angle);
+        const double s = std::sin(angle);
+        return tarn::MATRIX{{c, -s, 0, x, s, c, 0, 0, 0, 0, 1, z}};
+    };
+    constexpr int kSteps = 12;
+    int crossings = 0;
+    for (int step = 0; step < kSteps; ++step) {
+        const double turns = static_cast<double>(step) / kSteps;
+        first->SetMatrix(turned(2 * std::numbers::pi * turns / first_size.teeth, 0, 0));
+        second->SetMatrix(turned(-2 * std::numbers::pi * turns / second_size.teeth, centre_distance, -0.5));
+        if (tarn::make_unique_detector()->Check(*configuration)) ++crossings;
+    }
+    return crossings == 0 ? Mesh::Free : crossings == kSteps ? Mesh::Crossing : Mesh::Changing;
+}
+
+// Involute flanks keep their play at every position; other flanks of the same thickness would not.
+TEST(InvoluteGear, TeethRollWithoutTouchingAtTheRightDistance) {
+    const std::pair<GearSize, GearSize> pairs[] = {
+        {{2, 22}, {2, 58}}, {{2.5, 22}, {2.5, 54}}, {{3, 18}, {3, 19}}, {{1.5, 100}, {1.5, 20}}};
+    for (const auto& [first, second] : pairs) {
+        SCOPED_TRACE(first.teeth);
+        const double distance = CentreDistance(first, second);
+        EXPECT_EQ(TurnThroughOnePitch(first, second, distance), Mesh::Free);
+        EXPECT_EQ(TurnThroughOnePitch(first, second, distance + 0.3), Mesh::Free);
+        EXPECT_EQ(TurnThroughOnePitch(first, second, distance - 1), Mesh::Crossing);
+    }
+}
+
 // Steps where material ends and begins in one plane, a blind hole, and an island: the volume tells whether
 // each step covers the right area, and closedness whether the steps fit the sides.
 TEST(Solid, StackClosesStepsOfNestedRegions) {
@@ -177,6 +223,21 @@ TEST(Triangulation, FillsExactlyTheAreaBetweenOutlineAndHoles) {
     }
     EXPECT_NEAR(area, expected, 1e-9);
     EXPECT_THROW(Triangulate(comb, {Rectangle({30, 0}, {31, 1})}), std::logic_error);
+}
+
+TEST(Contour, KeywaysTakeFromShaftsAndAddToHubs) {
+    const double circle = std::numbers::pi * 15 * 15;
+    const double segment = 15 * 15 * std::asin(4.0 / 15) - 4 * std::sqrt(15 * 15 - 4 * 4);
+    const double at_surface = 2 * 4 * std::sqrt(15 * 15 - 4 * 4);
+    // Chords leave out about a thousandth of the circle.
+    EXPECT_NEAR(SignedArea(KeyedCircle(15, {8, 11})), circle - segment - (at_surface - 8 * 11), 1);
+    EXPECT_NEAR(SignedArea(KeyedCircle(15, {8, 18})), circle - segment + (8 * 18 - at_surface), 1);
+}
+
+TEST(Contour, ConvexHullDropsWhatLiesWithinOrOnItsSides) {
+    const Contour hull =
+        ConvexHull({{1, 1}, {0, 0}, {2, 0}, {4, 0}, {4, 2}, {3, 1}, {4, 4}, {2, 2}, {0, 4}, {0, 3}});
+    EXPECT_EQ(hull, (Contour{{0, 0}, {4, 0}, {4, 4}, {0, 4}}));
 }
 
 TEST(StlWriter, WritesHeaderCountAndTriangles) {
