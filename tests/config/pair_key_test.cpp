@@ -1,14 +1,13 @@
 #include "config/pair_key.h"
 
 #include "config/body_pair.h"
+#include "config/foreign_classes.h"
 #include "core/collision_body.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace tarn::details {
 namespace {
@@ -53,23 +52,6 @@ TEST(PairKey, ContainsByEqualityAndIsTouchedByBitSubset) {
     }
 }
 
-/// A body that is not the library's own.
-class ForeignBody final : public ICollisionBody {
-public:
-    std::uint32_t GetId() const override { return 4; }
-    std::uint64_t GetOwner() const override { return 0; }
-    void SetOwner(std::uint64_t) override {}
-    std::string GetName() const override { return "foreign"; }
-    void AddElement(ICollisionElement*) override {}
-    void RemoveElement(ICollisionElement*) override {}
-    bool HasElement(ICollisionElement*) const override { return false; }
-    void SetMatrix(const MATRIX&) override {}
-    void Update() override {}
-    std::vector<ICollisionElement*> GetElements() const override { return {}; }
-    void SetLeafNumber(std::int16_t) override {}
-    CollisionBodyStatistics GetStatistics() const override { return {}; }
-};
-
 TEST(KeyBodyPair, NormalisesTheKeyAndKeepsTheOrderOfTheBodies) {
     CollisionBody nine(9, "nine");
     CollisionBody two(2, "two");
@@ -79,7 +61,7 @@ TEST(KeyBodyPair, NormalisesTheKeyAndKeepsTheOrderOfTheBodies) {
     EXPECT_EQ(couple.First(), &nine);
     EXPECT_EQ(couple.Second(), &two);
 
-    ForeignBody foreign;
+    test::ForeignBody foreign(4);
     const KeyBodyPair half_foreign(&foreign, static_cast<ICollisionBody*>(&two));
     EXPECT_EQ(half_foreign.Key(), 0x0000000200000004U);
     EXPECT_EQ(half_foreign.First(), nullptr);
