@@ -63,6 +63,27 @@ void ForEachCouple(const BodySet& bodies, Visitor visit) {
     }
 }
 
+/// Hands couples to a table in batches, the last one by `Flush`.
+class CoupleInserter {
+public:
+    explicit CoupleInserter(CoupleTable& couples) : couples_(couples) { batch_.reserve(kChunk); }
+    CoupleInserter(const CoupleInserter&) = delete;
+    CoupleInserter& operator=(const CoupleInserter&) = delete;
+
+    void operator()(CollisionBody* first, CollisionBody* second) {
+        batch_.emplace_back(first, second);
+        if (batch_.size() == kChunk) Flush();
+    }
+    void Flush() {
+        couples_.InsertAll(batch_);
+        batch_.clear();
+    }
+
+private:
+    CoupleTable& couples_;
+    std::vector<KeyBodyPair> batch_;
+};
+
 /// Copies the couples of a chunk to their places in the output, one for one.
 struct KeyCollectorFunctorAllPairs {
     const CoupleTable& couples;
@@ -109,9 +130,13 @@ void CollisionConfiguration::SetCouples(bool enable, std::size_t most, ForEach f
                 if (!couples_.Contains(KeyOf(first, second))) ++missing;
             });
         }
+        CoupleInserter insert(couples_);
         couples_.ReserveMore(missing);
+        for_each([&](CollisionBody* first, CollisionBody* second) { insert(first, second); });
+        insert.Flush();
+        return;
     }
-    for_each([&](CollisionBody* first, CollisionBody* second) { SetCouple(first, second, enable); });
+    for_each([&](CollisionBody* first, CollisionBody* second) { SetCouple(first, second, false); });
 }
 
 void CollisionConfiguration::AddElement(ICollisionBody* body, bool enable) {
@@ -154,9 +179,10 @@ void CollisionConfiguration::RemoveAllElements() {
 void CollisionConfiguration::EnableAllCouples() {
     CoupleTable all;
     all.ReserveMore(CountAllCouples(registry_.Bodies().size()));
-    ForEachCouple(registry_.Bodies(), [&all](CollisionBody* first, CollisionBody* second) {
-        all.Insert(KeyBodyPair(first, second));
-    });
+    CoupleInserter insert(all);
+    ForEachCouple(registry_.Bodies(),
+                  [&](CollisionBody* first, CollisionBody* second) { insert(first, second); });
+    insert.Flush();
     couples_ = std::move(all);
 }
 
