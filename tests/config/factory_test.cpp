@@ -59,8 +59,8 @@ TEST(Factory, MakesABodyOverAnElementUnderTheElementsName) {
     EXPECT_EQ(body->GetStatistics().triangle_count, element->GetTrianglesCount());
 
     test::ForeignElement foreign;
-    EXPECT_THROW(make_shared_body(&foreign, 5, 50), BadCastException);
-    EXPECT_THROW(make_shared_body(nullptr, 5, 50), NullPointerException);
+    EXPECT_THROW((void)make_shared_body(&foreign, 5, 50), BadCastException);
+    EXPECT_THROW((void)make_shared_body(nullptr, 5, 50), NullPointerException);
 }
 
 TEST(Factory, MakesEmptyAndIndependentConfigurations) {

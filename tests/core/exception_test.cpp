@@ -32,8 +32,9 @@ void ExpectFamilyMember(const std::string& name) {
         EXPECT_EQ(copy.name(), name);
         EXPECT_EQ(copy.message(), "outer");
         ASSERT_NE(copy.nested(), nullptr);
-        EXPECT_EQ(typeid(*copy.nested()), typeid(OutOfMemoryException));
-        EXPECT_EQ(copy.nested()->displayText(), "OutOfMemoryException: inner");
+        const Exception& nested = *copy.nested();
+        EXPECT_EQ(typeid(nested), typeid(OutOfMemoryException));
+        EXPECT_EQ(nested.displayText(), "OutOfMemoryException: inner");
         if (original && &copy != original.get()) {
             EXPECT_NE(copy.nested(), original->nested()) << "a copy owns its own";
         }

@@ -21,7 +21,10 @@ struct Wide {
     long double z;
 
     Wide(long double px, long double py, long double pz) : x(px), y(py), z(pz) {}
-    explicit Wide(const Vector3& v) : x(v.x), y(v.y), z(v.z) {}
+    explicit Wide(const Vector3& v)
+        : x(static_cast<long double>(v.x)),
+          y(static_cast<long double>(v.y)),
+          z(static_cast<long double>(v.z)) {}
 };
 Wide operator+(const Wide& a, const Wide& b) {
     return {a.x + b.x, a.y + b.y, a.z + b.z};
