@@ -44,9 +44,12 @@ public:
 
     /// Appends an entry unless its key is there already. Returns whether it was appended.
     bool Insert(Entry entry) {
-        ReserveMore(1);
-        const std::uint64_t hash = Fnv1a(KeyOf()(entry));
-        return InsertHashed(std::move(entry), hash);
+        const std::uint64_t key = KeyOf()(entry);
+        if (!HasRoomFor(1)) {
+            if (Contains(key)) return false;
+            ReserveMore(1);
+        }
+        return InsertHashed(std::move(entry), Fnv1a(key));
     }
 
     /// Inserts entries one after the other. In a large table each insertion waits for memory; here they wait
@@ -128,6 +131,10 @@ private:
 
     /// Three quarters: beyond, linear probing gets long.
     static std::size_t MaxLoad(std::size_t slot_count) { return slot_count / 4 * 3; }
+    bool HasRoomFor(std::size_t count) const {
+        const std::size_t needed = entries_.size() + count;
+        return needed <= entries_.capacity() && needed <= MaxLoad(slots_.size());
+    }
     static std::uint32_t Fingerprint(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
 
     /// Half as much again: doubling would hold three times the entries while it copies them.
