@@ -497,6 +497,31 @@ TEST_F(CollisionConfigurationTest, RefusesWhatItCannotUseBeforeAnyChange) {
     EXPECT_FALSE(c.CoupleIsEnable(&two_, &one_)) << "both bodies must be present";
 }
 
+/// More couples than one batch of a bulk change holds, new and present ones mixed.
+TEST_F(CollisionConfigurationTest, KeepsTheOrderOfManyCouples) {
+    std::vector<std::unique_ptr<CollisionBody>> bodies;
+    std::vector<Couple> expected;
+    for (std::uint32_t i = 0; i < 70; ++i) {
+        bodies.push_back(std::make_unique<CollisionBody>(i, 0, "body"));
+        configuration_.AddElement(bodies.back().get());
+    }
+    for (std::size_t i = 0; i < bodies.size(); ++i) {
+        for (std::size_t j = i + 1; j < bodies.size(); ++j)
+            expected.emplace_back(bodies[i].get(), bodies[j].get());
+    }
+    configuration_.EnableAllCouples();
+    EXPECT_EQ(Couples(), expected);
+    configuration_.ConfigAllCouples(true);
+    EXPECT_EQ(Couples(), expected) << "all are there already";
+    configuration_.ConfigInterOwners(0, 0, true);
+    for (const auto& body : bodies) expected.emplace_back(body.get(), body.get());
+    EXPECT_EQ(Couples(), expected) << "the self couples come last, the rest stays";
+    configuration_.ConfigIntraOwner(0, false);
+    EXPECT_EQ(configuration_.RetrieveCouplesCount(), bodies.size());
+    configuration_.ConfigInterOwners(0, 0, false);
+    EXPECT_EQ(configuration_.RetrieveCouplesCount(), 0U);
+}
+
 /// More bodies and couples than one task of the parallel loops takes.
 TEST_F(CollisionConfigurationTest, CollectsAndUpdatesInManyTasks) {
     std::vector<std::unique_ptr<CollisionBody>> bodies;

@@ -104,7 +104,13 @@ void ExpectModelHolds(const std::vector<std::uint64_t>& keys, std::uint64_t seed
                 table.EraseIf(is_doomed);
                 model.EraseIf(is_doomed);
             } else if (kind == 10) {
-                table.ReserveMore(below(20));
+                // A batch repeats keys, of itself and of the table: the first to come stays.
+                std::vector<Numbered> batch(below(operation % 5 == 0 ? 200 : 20));
+                for (std::size_t i = 0; i < batch.size(); ++i)
+                    batch[i] = {keys[below(keys.size())], 1000 + static_cast<int>(i)};
+                table.ReserveMore(batch.size());
+                table.InsertAll(batch);
+                for (const Numbered& entry : batch) model.Insert(entry);
             } else if (kind % 2 == 0) {
                 ASSERT_EQ(table.Erase(key), model.Erase(key));
             } else {
@@ -132,7 +138,7 @@ TEST(IndexedTable, BehavesAsALinearSearchWhereHomeSlotsCollide) {
         std::vector<std::uint64_t> keys;
         for (std::uint64_t key = 0; keys.size() < 60; ++key) {
             const std::uint64_t hash = Fnv1a(key);
-            const std::uint64_t home = (hash ^ (hash >> 32)) & 127U;
+            const std::uint64_t home = hash & 127U;
             if (home == wanted || (keys.size() % 4 == 0 && home == ((wanted + 1) & 127U)))
                 keys.push_back(key);
         }
@@ -150,19 +156,19 @@ TEST(IndexedTable, RefusesMoreThanItCanCountAndStaysAsItWas) {
     ExpectSame(table, model, {0, 1, 2});
 }
 
-/// Bulk changes rely on it: room for what is missing is asked for first, then present and missing keys come
-/// mixed, and a failing allocation halfway would leave half a change behind.
-TEST(IndexedTable, NeedsNoFurtherRoomWithinWhatWasReserved) {
+/// A table filled to what was reserved stays where it is when a key comes again: at fifty million entries,
+/// asking for room that nobody needs copies them all.
+TEST(IndexedTable, MovesNothingForAnEntryThatIsThere) {
     Table table;
     table.ReserveMore(1000);
     table.Insert({0, 0});
     const Numbered* const begin = &table[0];
     for (std::uint64_t key = 1; key < 1000; ++key) {
         table.Insert({key, 0});
-        ASSERT_EQ(&table[0], begin) << "moved at key " << key;
+        ASSERT_EQ(&table[0], begin) << "moved at key " << key << ", within what was reserved";
     }
     EXPECT_FALSE(table.Insert({7, 1}));
-    EXPECT_EQ(&table[0], begin) << "an entry that is there needs no room";
+    EXPECT_EQ(&table[0], begin);
     EXPECT_EQ(table.Find(7)->value, 0);
 }
 
