@@ -146,6 +146,17 @@ TEST(IndexedTable, BehavesAsALinearSearchWhereHomeSlotsCollide) {
     }
 }
 
+/// Keys whose hashes agree in the upper half and in the seven lowest bits: only the keys themselves tell them
+/// apart.
+TEST(IndexedTable, BehavesAsALinearSearchWhereHashesNearlyAgree) {
+    const std::vector<std::uint64_t> keys{16446275815537246033U, 6105174807560764046U, 9531540298029079000U,
+                                          3569200186234642965U,  953217030403966363U,  1143212762367637637U,
+                                          9842530436680086244U,  17302925816429832649U};
+    for (std::size_t i = 0; i < keys.size(); i += 2)
+        ASSERT_EQ((Fnv1a(keys[i]) ^ Fnv1a(keys[i + 1])) & 0xffffffff0000007fU, 0U);
+    ExpectModelHolds(keys, 20);
+}
+
 TEST(IndexedTable, RefusesMoreThanItCanCountAndStaysAsItWas) {
     Table table;
     table.Insert({1, 10});

@@ -71,6 +71,7 @@ TEST(SegmentCrossesTriangle, IncludesEdgesAndVerticesUpToTheTolerance) {
     EXPECT_FALSE(pierces_at(0.5, -1.1e-12));
     EXPECT_FALSE(pierces_at(0.5, 0.5 + 1.2e-12));
     EXPECT_FALSE(pierces_at(1.5, -0.25));
+    EXPECT_FALSE(pierces_at(1 + 1.5e-12, -9e-13)) << "each parameter has its own bound";
     EXPECT_FALSE(pierces_at(-0.25, 1.5));
 }
 
