@@ -541,6 +541,7 @@ TEST_F(CollisionConfigurationTest, CollectsAndUpdatesInManyTasks) {
     std::vector<CollisionPair> out;
     EXPECT_EQ(configuration_.RetrieveCouples(out, bodies[7].get()).size(), 2500U) << "with itself, too";
     std::vector<Couple> of_body;
+    of_body.reserve(out.size());
     for (const CollisionPair& pair : out) of_body.emplace_back(pair.First, pair.Second);
     std::vector<Couple> expected;
     std::ranges::copy_if(couples, std::back_inserter(expected), [&](const Couple& couple) {
