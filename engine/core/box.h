@@ -6,6 +6,7 @@
 #include "tarn/matrix.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace tarn::details {
 
@@ -79,7 +80,7 @@ inline Box Place(const MATRIX& placement, const Box& local) {
         double min;
         double max;
     };
-    const auto interval = [&](int row) {
+    const auto interval = [&](std::size_t row) {
         const double* r = placement.m + 4 * row;
         const double x0 = r[0] * local.min.x, x1 = r[0] * local.max.x;
         const double y0 = r[1] * local.min.y, y1 = r[1] * local.max.y;

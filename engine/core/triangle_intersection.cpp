@@ -61,6 +61,7 @@ bool ProjectedInterval(const TriangleData& triangle, int axis, const Sides& side
     const double p1 = Vertex1(triangle)[axis];
     const double p2 = Vertex2(triangle)[axis];
     const auto [d0, d1, d2, d0d1, d0d2] = sides;
+    // NOLINTBEGIN(bugprone-branch-clone): which vertex is alone is asked in this order.
     if (d0d1 > 0.0) {
         interval = IntervalFromLoneVertex(p2, p0, p1, d2, d0, d1);
     } else if (d0d2 > 0.0) {
@@ -74,6 +75,7 @@ bool ProjectedInterval(const TriangleData& triangle, int axis, const Sides& side
     } else {
         return false;
     }
+    // NOLINTEND(bugprone-branch-clone)
     if (interval.from > interval.to) std::swap(interval.from, interval.to);
     return true;
 }

@@ -24,13 +24,12 @@ using test::Mesh;
 using test::PlainNode;
 
 std::vector<Triangle> TrianglesOf(const Mesh& mesh) {
-    std::vector<Triangle> triangles;
-    for (const TriangleData& data : mesh) triangles.emplace_back(data);
-    return triangles;
+    return {mesh.begin(), mesh.end()};
 }
 
 std::vector<const Triangle*> PointersTo(const std::vector<Triangle>& triangles) {
     std::vector<const Triangle*> pointers;
+    pointers.reserve(triangles.size());
     for (const Triangle& triangle : triangles) pointers.push_back(&triangle);
     return pointers;
 }

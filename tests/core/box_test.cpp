@@ -40,7 +40,7 @@ TEST(Overlap, HoldsUnlessOneBoxLiesStrictlyBeyond) {
     std::uniform_int_distribution<int> coordinate(0, 6);
     const auto interval = [&](double& min, double& max) {
         min = coordinate(random);
-        max = min + coordinate(random) / 2;
+        max = min + std::floor(coordinate(random) / 2.0);
     };
     int touching_count = 0;
     for (int i = 0; i < 20000; ++i) {

@@ -26,6 +26,7 @@ std::string DumpOf(const std::vector<Triangle>& triangles,
                    std::uint16_t leaf_number,
                    const MATRIX& placement = {}) {
     std::vector<const Triangle*> pointers;
+    pointers.reserve(triangles.size());
     for (const Triangle& triangle : triangles) pointers.push_back(&triangle);
     const AABBHierarchy hierarchy(pointers, leaf_number, &placement);
     std::ostringstream stream;

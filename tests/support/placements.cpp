@@ -33,8 +33,8 @@ MATRIX RandomRigid(std::mt19937_64& random, double reach) {
 MATRIX RandomPlacement(std::mt19937_64& random, double reach) {
     MATRIX m = RandomRigid(random, reach);
     std::uniform_real_distribution<double> factor(0.3, 3.0);
-    const auto scale_column = [&m](int column, double by) {
-        for (int row = 0; row < 3; ++row) m.m[4 * row + column] *= by;
+    const auto scale_column = [&m](std::size_t column, double by) {
+        for (std::size_t row = 0; row < 3; ++row) m[4 * row + column] *= by;
     };
     switch (std::uniform_int_distribution<int>(0, 6)(random)) {
         case 1:
@@ -43,16 +43,16 @@ MATRIX RandomPlacement(std::mt19937_64& random, double reach) {
             scale_column(0, -1.0);
             break;
         case 3:
-            for (int column = 0; column < 3; ++column) scale_column(column, factor(random));
+            for (std::size_t column = 0; column < 3; ++column) scale_column(column, factor(random));
             break;
         case 4:
-            for (int row = 0; row < 3; ++row) m.m[4 * row] += factor(random) * m.m[4 * row + 1];
+            for (std::size_t row = 0; row < 3; ++row) m[4 * row] += factor(random) * m[4 * row + 1];
             break;
         case 5:
             scale_column(2, 1e-9);
             break;
         case 6:
-            for (int row = 0; row < 3; ++row) m.m[4 * row + 3] += 1e7;
+            for (std::size_t row = 0; row < 3; ++row) m[4 * row + 3] += 1e7;
             break;
         default:
             break;
