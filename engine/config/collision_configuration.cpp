@@ -236,6 +236,15 @@ void CollisionConfiguration::ConfigInterOwners(std::uint64_t owner1, std::uint64
     const BodySet* bodies1 = registry_.FindOwner(owner1);
     const BodySet* bodies2 = registry_.FindOwner(owner2);
     if (!bodies1 || !bodies2) return;
+    if (owner1 == owner2) {
+        // Each body with itself and with those after it: with those before it, it is coupled already.
+        SetCouples(enable, bodies1->size() + CountAllCouples(bodies1->size()), [&](auto visit) {
+            for (std::size_t i = 0; i < bodies1->size(); ++i) {
+                for (std::size_t j = i; j < bodies1->size(); ++j) visit((*bodies1)[i], (*bodies1)[j]);
+            }
+        });
+        return;
+    }
     SetCouples(enable, bodies1->size() * bodies2->size(), [&](auto visit) {
         for (CollisionBody* first : *bodies1) {
             for (CollisionBody* second : *bodies2) visit(first, second);
@@ -319,7 +328,11 @@ void CollisionConfiguration::UpdateBodies() {
 }
 
 bool CollisionConfiguration::IsConsistent() const {
-    return std::ranges::all_of(couples_, [this](const KeyBodyPair& pair) {
+    const auto is_present = [this](const CollisionBody* body) { return registry_.Find(body) != nullptr; };
+    for (const auto& group : registry_.Owners()) {
+        if (!std::ranges::all_of(group.bodies, is_present)) return false;
+    }
+    return std::ranges::all_of(couples_, [&](const KeyBodyPair& pair) {
         return registry_.Find(pair.First()) && registry_.Find(pair.Second()) &&
                couples_.Contains(pair.Key()) && pair.Key() == KeyOf(pair.First(), pair.Second());
     });

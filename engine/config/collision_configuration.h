@@ -36,7 +36,8 @@ public:
 
     const tarn::details::CoupleTable& Pairs() const override { return couples_; }
 
-    /// Checks for tests that every couple's bodies are present under the keys that name them.
+    /// Checks for tests that the bodies of every couple and owner are present, couples under the keys that
+    /// name them.
     bool IsConsistent() const;
 
 private:

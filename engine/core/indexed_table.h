@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -19,9 +20,10 @@ namespace tarn::details {
 /// object from an entry to its key. Entries stand in the order of insertion; `Erase` moves the last one into
 /// the gap, `EraseKeepingOrder` closes it. The same calls give the same order everywhere.
 ///
-/// The index is an open-addressing table with linear probing that holds positions only, so a table of n
-/// entries costs n entries and at most 22 bytes more each. It holds up to 2^32 - 2 entries; one more throws
-/// `std::length_error`. An insertion that throws changes nothing.
+/// The index is an open-addressing table with linear probing that holds positions only: 11 to 22 bytes for
+/// each entry. The array grows by halves, so it has up to half as much again in reserve, none after an exact
+/// `ReserveMore`. Up to 2^32 - 2 entries; one more throws `std::length_error`. An insertion that throws
+/// changes nothing.
 template <typename Entry, typename KeyOf>
 class IndexedTable {
 public:
@@ -108,7 +110,7 @@ public:
 
     /// Makes room for `count` further entries: as many insertions will not throw.
     void ReserveMore(std::size_t count) {
-        if (count > kMaxSize - entries_.size()) throw std::length_error("table too long");
+        if (count > kMaxSize - entries_.size()) throw std::length_error("list<T> too long");
         const std::size_t needed = entries_.size() + count;
         if (needed > entries_.capacity()) entries_.reserve(std::max(needed, GrownCapacity()));
         if (needed > MaxLoad(slots_.size())) Rehash(needed);
@@ -155,6 +157,7 @@ private:
         for (; slots_[slot].position != kFree; slot = Next(slot)) {
             if (slots_[slot].fingerprint == Fingerprint(hash) && KeyAt(slot) == key) return false;
         }
+        assert(HasRoomFor(1));
         slots_[slot] = {static_cast<std::uint32_t>(entries_.size()), Fingerprint(hash)};
         entries_.push_back(std::move(entry));
         return true;

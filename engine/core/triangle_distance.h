@@ -38,8 +38,9 @@ struct TriangleDistance {
 };
 
 /// From a point to a triangle: the region method of D. Eberly, "Distance Between Point and Triangle in 3D"
-/// (1999), with a negative rounding result set to 0. Exact up to rounding, which cancels: the result can lie
-/// a little below the squared distance of the points that it names.
+/// (1999), with a negative rounding result set to 0. For a triangle of some area it is exact up to rounding,
+/// which cancels: the result can lie a little below the squared distance of the points that it names. For
+/// collinear vertices it can be NaN or lie far above the true distance, never below.
 TriangleDistance PointTriangleDistance(const Vector3& point, const EdgeForm& triangle);
 
 struct SegmentTriangleDistance {

@@ -26,8 +26,8 @@ class TARN_API ICollisionConfiguration {
 public:
     virtual ~ICollisionConfiguration() = default;
 
-    /// Adds a body and couples it with every body present. On a body already present: with `enable`, couples
-    /// it with every other body; without, removes all its couples; it stays in either case.
+    /// Adds a body; with `enable`, couples it with every body present. On a body already present: with
+    /// `enable`, couples it with every other body; without, removes all its couples; it stays in either case.
     virtual void AddElement(ICollisionBody* body, bool enable) = 0;
     /// Adds a body without any couple. A body already present is registered under its current owner again.
     virtual void AddElement(ICollisionBody* body) = 0;
@@ -40,7 +40,8 @@ public:
     virtual void EnableAllCouples() = 0;
     /// The owners seen so far, those without a body left included.
     virtual std::vector<std::uint64_t> RetrieveOwners() const = 0;
-    /// Enables the couple, if both bodies are present, or disables it.
+    /// Enables the couple, if both bodies are present, or disables it. A body given twice is coupled with
+    /// itself.
     virtual void ConfigCouple(ICollisionBody* body1, ICollisionBody* body2, bool enable) = 0;
     /// Enables or disables the couples of one body with every other.
     virtual void ConfigElementAgainstAll(ICollisionBody* body, bool enable) = 0;
