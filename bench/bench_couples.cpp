@@ -3,17 +3,16 @@
 
 #include "detect/collision_detector.h"
 #include "digest.h"
+#include "lattice.h"
 #include "memory_meter.h"
-#include "support/meshes.h"
-#include "support/placements.h"
 #include "support/scene.h"
 
 #include "tarn/thread_limit.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
-#include <random>
+#include <string>
+#include <vector>
 
 namespace tarn::bench {
 namespace {
@@ -21,37 +20,27 @@ namespace {
 /// What a couple may cost at most, for the decision whether the machine can hold a scene.
 constexpr std::size_t kBytesPerCouple = 100;
 
-/// Bodies of some 40 to 100 triangles on a lattice, so close that a few neighbours cross.
-class Lattice {
+/// A lattice of bodies under one configuration.
+class LatticeScene {
 public:
-    explicit Lattice(std::size_t count) {
-        ICollisionElement* shapes[] = {scene_.AddElement(test::BallMesh(1.0, 5)),
-                                       scene_.AddElement(test::BoxMesh(-0.8, -0.6, -1.0, 0.8, 0.6, 1.0))};
-        for (std::size_t i = 0; i < count; ++i) scene_.AddBody(shapes[i % 2], {});
-        edge_ = static_cast<std::size_t>(std::ceil(std::cbrt(static_cast<double>(count))));
+    explicit LatticeScene(std::size_t count) : lattice_(count) {
+        const auto shapes = Lattice::Shapes();
+        ICollisionElement* elements[] = {scene_.AddElement(shapes[0]), scene_.AddElement(shapes[1])};
+        for (std::size_t i = 0; i < count; ++i) scene_.AddBody(elements[Lattice::ShapeOf(i)], {});
         Move();
     }
 
-    /// Gives every body a new pose near its place.
     void Move() {
-        for (std::size_t i = 0; i < scene_.Bodies().size(); ++i) {
-            MATRIX pose = test::RandomRigid(random_, 0.1);
-            pose[3] += kPitch * static_cast<double>(i % edge_);
-            pose[7] += kPitch * static_cast<double>(i / edge_ % edge_);
-            pose[11] += kPitch * static_cast<double>(i / edge_ / edge_);
-            scene_.Bodies()[i]->SetMatrix(pose);
-        }
+        const std::vector<MATRIX> poses = lattice_.NextPoses();
+        for (std::size_t i = 0; i < poses.size(); ++i) scene_.Bodies()[i]->SetMatrix(poses[i]);
     }
 
-    std::size_t CoupleCount() const { return scene_.Bodies().size() * (scene_.Bodies().size() - 1) / 2; }
+    std::size_t CoupleCount() const { return lattice_.CoupleCount(); }
     ICollisionConfiguration& Configuration() { return scene_.Configuration(); }
 
 private:
-    static constexpr double kPitch = 2.1;
-
     test::Scene scene_;
-    std::size_t edge_ = 0;
-    std::mt19937_64 random_{3};
+    Lattice lattice_;
 };
 
 bool SkipWhereMemoryIsShort(benchmark::State& state, std::size_t couple_count) {
@@ -62,7 +51,7 @@ bool SkipWhereMemoryIsShort(benchmark::State& state, std::size_t couple_count) {
 }
 
 void EnableAllCouples(benchmark::State& state) {
-    Lattice lattice(static_cast<std::size_t>(state.range(0)));
+    LatticeScene lattice(static_cast<std::size_t>(state.range(0)));
     if (SkipWhereMemoryIsShort(state, lattice.CoupleCount())) return;
     const std::size_t before = LiveBytes();
     std::size_t kept = 0;
@@ -80,7 +69,7 @@ void EnableAllCouples(benchmark::State& state) {
     state.counters["peak_bytes_per_couple"] = static_cast<double>(PeakBytes() - before) / couples;
 }
 
-CollisionResult CheckAll(Lattice& lattice, std::size_t threads) {
+CollisionResult CheckAll(LatticeScene& lattice, std::size_t threads) {
     CollisionResult result;
     RunWithThreadLimit(threads, [&] {
         details::CollisionDetector().Check(result, lattice.Configuration(),
@@ -89,7 +78,7 @@ CollisionResult CheckAll(Lattice& lattice, std::size_t threads) {
     return result;
 }
 
-void Report(benchmark::State& state, const Lattice& lattice, const CollisionResult& first_result) {
+void Report(benchmark::State& state, const LatticeScene& lattice, const CollisionResult& first_result) {
     Digest digest;
     digest.Add(first_result);
     state.counters["couples"] = static_cast<double>(lattice.CoupleCount());
@@ -100,7 +89,7 @@ void Report(benchmark::State& state, const Lattice& lattice, const CollisionResu
 void FirstCheck(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
-        Lattice lattice(static_cast<std::size_t>(state.range(0)));
+        LatticeScene lattice(static_cast<std::size_t>(state.range(0)));
         if (SkipWhereMemoryIsShort(state, lattice.CoupleCount())) return;
         lattice.Configuration().EnableAllCouples();
         state.ResumeTiming();
@@ -113,7 +102,7 @@ void FirstCheck(benchmark::State& state) {
 
 void CheckAfterEveryBodyMoved(benchmark::State& state) {
     const auto threads = static_cast<std::size_t>(state.range(1));
-    Lattice lattice(static_cast<std::size_t>(state.range(0)));
+    LatticeScene lattice(static_cast<std::size_t>(state.range(0)));
     if (SkipWhereMemoryIsShort(state, lattice.CoupleCount())) return;
     lattice.Configuration().EnableAllCouples();
     CheckAll(lattice, threads);
