@@ -5,6 +5,7 @@
 #include "core/indexed_table.h"
 
 #include "tarn/collision_body.h"
+#include "tarn/exception.h"
 
 #include <cstdint>
 
@@ -32,9 +33,10 @@ public:
         : key_(tarn::details::MakePairKey(first->GetId(), second->GetId())),
           first_(first),
           second_(second) {}
-    /// A body of a foreign class leaves a null pointer in its place.
+    /// A body of a foreign class leaves a null pointer in its place; null itself throws
+    /// `NullPointerException`.
     KeyBodyPair(tarn::ICollisionBody* first, tarn::ICollisionBody* second)
-        : key_(tarn::details::MakePairKey(first->GetId(), second->GetId())),
+        : key_(tarn::details::MakePairKey(IdOf(first), IdOf(second))),
           first_(dynamic_cast<tarn::details::CollisionBody*>(first)),
           second_(dynamic_cast<tarn::details::CollisionBody*>(second)) {}
 
@@ -43,6 +45,11 @@ public:
     tarn::details::CollisionBody* Second() const override { return second_; }
 
 private:
+    static std::uint32_t IdOf(const tarn::ICollisionBody* body) {
+        if (!body) throw tarn::NullPointerException();
+        return body->GetId();
+    }
+
     tarn::details::PairKey key_;
     tarn::details::CollisionBody* first_;
     tarn::details::CollisionBody* second_;

@@ -121,8 +121,7 @@ void CollisionConfiguration::SetCouple(CollisionBody* first, CollisionBody* seco
 template <typename ForEach>
 void CollisionConfiguration::SetCouples(bool enable, std::size_t most, ForEach for_each) {
     if (enable) {
-        // Room for all that is missing, and no more, comes before the first change: what follows cannot
-        // throw.
+        // Room for all that is missing comes before the first change: what follows cannot throw.
         std::size_t missing = most;
         if (!couples_.empty()) {
             missing = 0;

@@ -15,6 +15,8 @@
 namespace tarn::details {
 
 class AABBHierarchy;
+struct BuiltNode;
+struct BuiltTree;
 
 /// Depth along first children, triangles below a node, and triangles of the node itself.
 struct NodeStatistics {
@@ -91,7 +93,7 @@ class AABBHierarchy {
 public:
     /// Builds the tree, in parallel. The triangles, in element coordinates, are copied. `leaf_number` is the
     /// most triangles in a leaf, at least 1. `placement`, not owned, must outlive the tree. Throws
-    /// `std::length_error` for 2^31 triangles or more.
+    /// `std::length_error` for 2^30 triangles or more.
     AABBHierarchy(const std::vector<const Triangle*>& triangles,
                   std::uint16_t leaf_number,
                   const MATRIX* placement);
@@ -123,6 +125,8 @@ public:
     bool IsConsistent() const;
 
 private:
+    void CopyNodes(const BuiltTree& built);
+    void CopyNode(const BuiltNode& from, AABBHierarchyNode& to) const;
     void RefreshWorldBox(const AABBHierarchyNode& node) const;
     void RefreshWorldTriangles(const AABBHierarchyNode& node) const;
 

@@ -3,7 +3,9 @@
 #include "core/box.h"
 #include "core/triangle.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace tarn::details {
@@ -11,14 +13,22 @@ namespace tarn::details {
 /// A node of a tree that is being built.
 struct BuiltNode {
     Box local_box;
-    std::uint32_t second_child_offset;  ///< distance to the second child in the list; 0 for leaves
+    std::uint32_t second_child_offset;  ///< distance to the second child in pre-order; 0 for leaves
     std::uint32_t first_triangle;       ///< of a leaf, as a position in `BuiltTree::order`
     std::uint32_t triangle_count;       ///< of a leaf; 0 for inner nodes
 };
 
 struct BuiltTree {
-    std::vector<BuiltNode> nodes;      ///< in pre-order
-    std::vector<std::uint32_t> order;  ///< the triangles, as input indices, in the order of the leaves
+    /// Nodes that follow one another in the block as they do in pre-order.
+    struct Run {
+        std::size_t first_node;
+        std::size_t node_count;
+    };
+
+    std::size_t node_count = 0;
+    std::vector<Run> runs;                   ///< all nodes in pre-order
+    std::unique_ptr<BuiltNode[]> nodes;      ///< the block that they stand in, with gaps
+    std::unique_ptr<std::uint32_t[]> order;  ///< the triangles, as input indices, in the order of the leaves
 };
 
 /// Builds a tree over at least one triangle by these rules, which fix the tree to the last bit:

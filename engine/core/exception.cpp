@@ -60,8 +60,9 @@ std::string Exception::displayText() const {
 
 void Exception::extendedMessage(const std::string& argument) {
     if (argument.empty()) return;
-    if (!message_.empty()) message_.append(": ");
-    message_.append(argument);
+    // Aside first: the argument may be this very message, and a failure must leave it whole.
+    std::string extended = message_.empty() ? argument : message_ + ": " + argument;
+    message_.swap(extended);
 }
 
 }  // namespace tarn

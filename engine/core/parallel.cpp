@@ -4,7 +4,6 @@
 #include "tarn/thread_limit.h"
 
 #include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/enumerable_thread_specific.h>
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/parallel_invoke.h>
 #include <oneapi/tbb/task_arena.h>
@@ -116,22 +115,6 @@ void LimitThreads(std::size_t limit, FunctionRef<void()> work) {
         const Task task(hand_over);
         work();
     });
-}
-
-struct PerThreadPointers::Slots {
-    tbb::enumerable_thread_specific<void*> values{nullptr};
-};
-
-PerThreadPointers::PerThreadPointers() : slots_(std::make_unique<Slots>()) {}
-
-PerThreadPointers::~PerThreadPointers() = default;
-
-void*& PerThreadPointers::Local() {
-    return slots_->values.local();
-}
-
-void PerThreadPointers::ForEach(FunctionRef<void(void*)> visit) {
-    for (void* value : slots_->values) visit(value);
 }
 
 }  // namespace tarn::details

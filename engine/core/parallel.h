@@ -4,7 +4,8 @@
 
 #include <atomic>
 #include <cstddef>
-#include <memory>
+#include <thread>
+#include <utility>
 
 /// \file
 /// All parallelism of the library, a thin layer over oneTBB. Nothing else includes a header of the runtime.
@@ -44,25 +45,10 @@ void ParallelInvoke(FunctionRef<void()> first, FunctionRef<void()> second);
 /// included. An inner limit never exceeds an outer one.
 void LimitThreads(std::size_t limit, FunctionRef<void()> work);
 
-/// One pointer per thread, null at first. The untyped base of `Combinable`.
-class PerThreadPointers {
-public:
-    PerThreadPointers();
-    PerThreadPointers(const PerThreadPointers&) = delete;
-    PerThreadPointers& operator=(const PerThreadPointers&) = delete;
-    ~PerThreadPointers();
-
-    /// The calling thread's pointer. Safe from any thread.
-    void*& Local();
-    /// Visits every thread's pointer. Only when no thread calls `Local`.
-    void ForEach(FunctionRef<void(void*)> visit);
-
-private:
-    struct Slots;
-    std::unique_ptr<Slots> slots_;
-};
-
 /// A value per thread, made when the thread first asks for it, joined after the loop on the calling thread.
+///
+/// The values hang in a list that only grows, in front, by compare-and-swap. A thread finds its own by its
+/// identifier; as only threads of one loop come by, the list is short.
 template <typename Value>
 class Combinable {
 public:
@@ -70,26 +56,40 @@ public:
     Combinable(const Combinable&) = delete;
     Combinable& operator=(const Combinable&) = delete;
     ~Combinable() {
-        pointers_.ForEach([](void* pointer) { delete static_cast<Value*>(pointer); });
+        for (Cell* cell = head_.load(std::memory_order_relaxed); cell;)
+            delete std::exchange(cell, cell->next);
     }
 
     /// The calling thread's value. Safe from any thread.
     Value& Local() {
-        void*& pointer = pointers_.Local();
-        if (!pointer) pointer = new Value();
-        return *static_cast<Value*>(pointer);
+        const std::thread::id self = std::this_thread::get_id();
+        // Acquire: a cell that is seen in the list is seen whole.
+        Cell* const seen = head_.load(std::memory_order_acquire);
+        for (Cell* cell = seen; cell; cell = cell->next) {
+            if (cell->owner == self) return cell->value;
+        }
+        auto* const added = new Cell{self, seen, {}};
+        // Release: publishes the cell. Whoever came in between added cells of other threads.
+        while (!head_.compare_exchange_weak(added->next, added, std::memory_order_release,
+                                            std::memory_order_relaxed)) {
+        }
+        return added->value;
     }
 
     /// Visits every value in no fixed order. Only when no thread calls `Local`.
     template <typename Visitor>
     void ForEach(Visitor visit) {
-        pointers_.ForEach([&](void* pointer) {
-            if (pointer) visit(*static_cast<Value*>(pointer));
-        });
+        for (Cell* cell = head_.load(std::memory_order_acquire); cell; cell = cell->next) visit(cell->value);
     }
 
 private:
-    PerThreadPointers pointers_;
+    struct Cell {
+        std::thread::id owner;
+        Cell* next;
+        Value value;
+    };
+
+    std::atomic<Cell*> head_{nullptr};
 };
 
 }  // namespace tarn::details

@@ -47,8 +47,9 @@ bool IsUnbuilt(const CollisionBody& body) {
 }
 
 [[noreturn]] void ThrowUnbuilt(const CollisionBody& body) {
-    throw LogicException("Body '" + body.GetName() + "' (id " + std::to_string(body.GetId()) +
-                         ") has no hierarchy: call SetLeafNumber on it first");
+    throw LogicException(
+        "Body '" + body.GetName() + "' (id " + std::to_string(body.GetId()) +
+        ") has no hierarchy: call SetLeafNumber on it first, after the last change of its elements");
 }
 
 /// Throws for the first couple with a body that was never built. Bodies are few and couples many, so the

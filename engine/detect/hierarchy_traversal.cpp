@@ -61,7 +61,7 @@ TriangleHit FindFirstHit(const AABBHierarchy& first, const AABBHierarchy& second
     NodePair pair{&first.Root(), &second.Root()};
     // An empty tree has no box that placements and comparisons could act on.
     if (pair.first->IsEmpty() || pair.second->IsEmpty()) return {};
-    LeafTest leaf_test(first.LeafNumber(), second.LeafNumber());
+    LeafTest leaf_test(std::size_t{first.LeafNumber()} + second.LeafNumber());
     PairStack pending;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled as it grows
     do {
         while (Overlap(first.WorldBox(*pair.first), second.WorldBox(*pair.second))) {

@@ -7,19 +7,19 @@ namespace tarn::details {
 
 namespace {
 
-/// Triangles of two leaves together from which on their records are prepared as two tasks. A record takes
-/// some 5 ns, handing work to another thread several microseconds.
-constexpr std::size_t kParallelPreparation = 4096;
+/// Triangles of two leaves together from which on their records are prepared as two tasks. Measured on two cores: 4,096
+/// triangles take 9.6 us one after the other and 9.5 us as tasks, 8,192 take 19.5 us and 11.2 us.
+constexpr std::size_t kParallelPreparation = 8192;
 
 }  // namespace
 
 // The inline records are left uninitialised: preparation writes what a test reads.
-LeafTest::LeafTest(std::size_t first_leaf_number, std::size_t second_leaf_number)  // NOLINT: see above
-    : records_(inline_records_.data()) {
-    const std::size_t count = first_leaf_number + second_leaf_number;
-    if (count <= kInlineRecords) return;
-    heap_records_ = std::make_unique_for_overwrite<Record[]>(count);
-    records_ = heap_records_.get();
+LeafTest::LeafTest(std::size_t most_triangles) : most_triangles_(most_triangles) {}  // NOLINT: see above
+
+LeafTest::Record* LeafTest::Room() {
+    if (most_triangles_ <= kInlineRecords) return inline_records_.data();
+    if (!heap_records_) heap_records_ = std::make_unique_for_overwrite<Record[]>(most_triangles_);
+    return heap_records_.get();
 }
 
 void LeafTest::Prepare(std::span<const Triangle> leaf, Record* records) {
@@ -28,8 +28,8 @@ void LeafTest::Prepare(std::span<const Triangle> leaf, Record* records) {
 
 TriangleHit LeafTest::FindFirstHit(std::span<const Triangle> first_leaf,
                                    std::span<const Triangle> second_leaf) {
-    Record* const first_records = records_;
-    Record* const second_records = records_ + first_leaf.size();
+    Record* const first_records = Room();
+    Record* const second_records = first_records + first_leaf.size();
     if (first_leaf.size() + second_leaf.size() >= kParallelPreparation) {
         ParallelInvoke([&] { Prepare(first_leaf, first_records); },
                        [&] { Prepare(second_leaf, second_records); });

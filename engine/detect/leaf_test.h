@@ -19,11 +19,12 @@ struct TriangleHit {
     explicit operator bool() const { return first != nullptr; }
 };
 
-/// Tests the triangles of leaf pairs. Holds the room for their records, so one serves a whole descent: it is
-/// set up once for the fullest leaves of the two trees and allocates only for leaf numbers that are large.
+/// Tests the triangles of leaf pairs. Holds the room for their records, so one serves a whole descent. It
+/// allocates once, at the first leaf pair, and only where the trees' leaf numbers are large.
 class LeafTest {
 public:
-    LeafTest(std::size_t first_leaf_number, std::size_t second_leaf_number);
+    /// `most_triangles` is the sum of the two trees' leaf numbers.
+    explicit LeafTest(std::size_t most_triangles);
     LeafTest(const LeafTest&) = delete;
     LeafTest& operator=(const LeafTest&) = delete;
 
@@ -43,9 +44,12 @@ private:
 
     static void Prepare(std::span<const Triangle> leaf, Record* records);
 
+    /// Room for the records of two leaves.
+    Record* Room();
+
+    std::size_t most_triangles_;
     std::array<Record, kInlineRecords> inline_records_;
     std::unique_ptr<Record[]> heap_records_;
-    Record* records_;
 };
 
 }  // namespace tarn::details

@@ -60,8 +60,10 @@ public:
     /// The elements in the order in which they were added.
     virtual std::vector<ICollisionElement*> GetElements() const = 0;
     /// Builds the hierarchy with at most `leaf_number` triangles a leaf (5 suits most meshes), in parallel;
-    /// does nothing when neither the number nor the elements changed. Throws `std::invalid_argument` for a
-    /// number below 1. If it throws, the body keeps the hierarchy that it had.
+    /// does nothing when the number is the present one and the last `AddElement` or `RemoveElement` changed
+    /// nothing, or none came since the last build. Throws `std::invalid_argument` for a number below 1 and
+    /// `std::length_error` for 2^30 triangles or more. If it throws, the body keeps the hierarchy that it
+    /// had.
     virtual void SetLeafNumber(std::int16_t leaf_number) = 0;
     virtual CollisionBodyStatistics GetStatistics() const = 0;
 };

@@ -18,7 +18,8 @@ namespace tarn {
 ///
 /// Errors: a null body or configuration throws `NullPointerException`; adding a body of a foreign class
 /// throws `BadCastException`; both before any change. Operations on bodies or owners that the configuration
-/// does not hold do nothing. A call that throws leaves the configuration as it was.
+/// does not hold do nothing. More than 2^32 - 2 couples throw `std::length_error`. A call that throws leaves
+/// the configuration as it was.
 ///
 /// Thread-safety: calls that change the configuration run alone. Checks, `UpdateBodies` and the calls that
 /// only read may run beside each other.

@@ -36,7 +36,9 @@ enum class CheckPolicy : std::int32_t {
 ///
 /// Every call first makes the pending placements current (`UpdateBodies`), then throws:
 ///  - `InvalidArgumentException` for a policy outside the list,
-///  - `std::bad_cast` for a configuration that is not the library's own,
+///  - `std::bad_cast`, if it is a check, for a configuration that provides no couples, and if it is a dump,
+///  for a body of
+///    a foreign class,
 ///  - `LogicException`, naming the body, where the call would reach a body that was never built.
 /// After any exception, one out of memory included, the caller's result is as it was.
 ///

@@ -8,8 +8,10 @@
 
 namespace tarn {
 
-/// Root of the exceptions that the library throws (the one exception to that is the `std::invalid_argument`
-/// of `ICollisionBody::SetLeafNumber`; allocation failures stay `std::bad_alloc`).
+/// Root of the exceptions that the library defines. Beside them, and only where their calls say so, come
+/// `std::invalid_argument` (`ICollisionBody::SetLeafNumber`), `std::bad_cast` (checks) and
+/// `std::length_error` (more triangles in a body or couples in a configuration than can be counted);
+/// allocation failures are `std::bad_alloc`.
 ///
 /// An exception carries a message, which may be empty, and may own a copy of another exception that caused
 /// it. `what()` answers with the class name only, so whoever prints an error prints `displayText()`.
