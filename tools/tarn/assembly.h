@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mesh.h"
+#include "model.h"
 
 #include "tarn/collision_body.h"
 #include "tarn/collision_configuration.h"
@@ -14,24 +15,21 @@
 
 namespace tarn::program {
 
-/// Gives names that occur more than once a number from the second on, " (2)" and so on, so that every name is
-/// unique.
-void MakeNamesUnique(std::vector<Mesh>& meshes);
-
-/// A set of meshes, ready to be checked: one body each, where the mesh stands.
+/// A set of placed parts, ready to be checked: one element for each mesh, one body for each part.
 class Assembly final {
 public:
     Assembly();
     Assembly(const Assembly&) = delete;
     Assembly& operator=(const Assembly&) = delete;
 
-    /// Adds a mesh as one body and builds its hierarchy, in parallel. Returns how many triangles the engine
-    /// kept.
-    std::uint64_t Add(const Mesh& mesh);
+    /// Adds a mesh, which parts then name by its number: 0 for the first one added.
+    void AddMesh(const Mesh& mesh);
+    /// Adds a part as one body, builds its hierarchy, in parallel, and couples it with nothing. Returns how
+    /// many triangles the engine kept.
+    std::uint64_t AddPart(const Part& part);
 
-    /// Enables all couples of the bodies added so far: of each couple, the body added earlier comes first.
-    void EnableAllCouples() { configuration_->EnableAllCouples(); }
-
+    /// In the order in which parts were added.
+    tarn::ICollisionBody& body(std::size_t part) { return *bodies_[part]; }
     std::size_t body_count() const { return bodies_.size(); }
     tarn::ICollisionConfiguration& configuration() { return *configuration_; }
 
@@ -41,5 +39,8 @@ private:
     std::vector<std::unique_ptr<tarn::ICollisionBody>> bodies_;
     std::unique_ptr<tarn::ICollisionConfiguration> configuration_;
 };
+
+/// The number of the part that a body of an assembly stands for.
+std::size_t PartOf(const tarn::ICollisionBody& body);
 
 }  // namespace tarn::program

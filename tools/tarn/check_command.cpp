@@ -2,16 +2,18 @@
 
 #include "assembly.h"
 #include "console.h"
-#include "mesh_file.h"
-#include "mesh_size_check.h"
+#include "model_file.h"
 #include "output_file.h"
 #include "report.h"
+#include "short_names.h"
+#include "size_warnings.h"
 
 #include "tarn/factory.h"
 #include "tarn/thread_limit.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <limits>
@@ -27,28 +29,41 @@ double SecondsOf(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// One run of the command: load, build, dump, check, print.
+/// One run of the command: load, build, dump, check, report.
 class CheckRun final {
 public:
     explicit CheckRun(const CheckOptions& options) : options_(options), console_(options.is_quiet) {}
 
     bool Run() {
-        summary_.loading_seconds = SecondsOf([this] { Load(); });
+        report_.summary.loading_seconds = SecondsOf([this] { Load(); });
         LimitThreads([this] { BuildAndCheck(); });
         console_.ClearStatus();
-        if (!options_.is_quiet) PrintResult(FormatTable(result_) + FormatSummary(summary_));
+        CollectCouples();
+        WriteReport();
         return result_.get_InterferenceDetected();
     }
 
 private:
     void Load() {
+        std::size_t number = 0;
         for (const std::string& path : options_.files) {
-            console_.ShowStatus(fmt::format("loading {} of {}", meshes_.size() + 1, options_.files.size()));
-            MeshFile file = ReadMeshFile(path, options_.unit);
+            console_.ShowStatus(fmt::format("loading {} of {}", ++number, options_.files.size()));
+            Model file = ReadModelFile(path, options_.unit);
             for (const std::string& warning : file.warnings) console_.Warn(path, warning);
-            meshes_.push_back(std::move(file.mesh));
+            if (options_.files.size() == 1) {
+                NameAlone(file, path);
+                model_ = std::move(file);
+            } else {
+                NameBesideOthers(file, path);
+                Append(model_, std::move(file));
+            }
         }
-        MakeNamesUnique(meshes_);
+        std::vector<std::string*> names;
+        for (Part& part : model_.parts) names.push_back(&part.name);
+        MakeUnique(names);
+        names.clear();
+        for (std::string& owner : model_.owners) names.push_back(&owner);
+        MakeUnique(names);
     }
 
     void LimitThreads(const std::function<void()>& work) const {
@@ -57,29 +72,43 @@ private:
     }
 
     void BuildAndCheck() {
-        summary_.building_seconds = SecondsOf([this] { Build(); });
+        CheckSummary& summary = report_.summary;
+        summary.building_seconds = SecondsOf([this] { Build(); });
         if (!options_.dump_path.empty()) Dump();
-        console_.ShowStatus(fmt::format("checking {} couples", summary_.couple_count));
-        summary_.checking_seconds =
+        console_.ShowStatus(fmt::format("checking {} couples", summary.couple_count));
+        summary.checking_seconds =
             SecondsOf([this] { detector_->Check(result_, assembly_.configuration(), options_.policy); });
-        summary_.interfering_count = result_.Pairs.size();
-        summary_.stops_at_first = options_.policy == tarn::CheckPolicy::FirstInterferenceStop ||
-                                  options_.policy == tarn::CheckPolicy::FirstInterferenceStopWithTriangles;
+        summary.interfering_count = result_.Pairs.size();
+        summary.stops_at_first = options_.policy == tarn::CheckPolicy::FirstInterferenceStop ||
+                                 options_.policy == tarn::CheckPolicy::FirstInterferenceStopWithTriangles;
     }
 
     void Build() {
-        for (Mesh& mesh : meshes_) {
-            console_.ShowStatus(fmt::format("building {} of {}", assembly_.body_count() + 1, meshes_.size()));
-            const std::uint64_t kept_count = assembly_.Add(mesh);
-            const std::string doubt = DescribeDoubtfulSize(mesh.triangles, kept_count);
-            if (!doubt.empty()) console_.Warn(mesh.name, doubt);
-            summary_.kept_triangle_count += kept_count;
-            summary_.dropped_triangle_count += mesh.triangles.size() - kept_count;
-            mesh.triangles = {};  // the engine has its own copy; large assemblies need the memory
+        for (const Mesh& mesh : model_.meshes) assembly_.AddMesh(mesh);
+        SizeWarnings warnings;
+        for (const Part& part : model_.parts) {
+            console_.ShowStatus(
+                fmt::format("building {} of {}", assembly_.body_count() + 1, model_.parts.size()));
+            const std::uint64_t kept_count = assembly_.AddPart(part);
+            const std::uint64_t count = warnings.Look(part, model_.meshes, kept_count);
+            report_.summary.kept_triangle_count += kept_count;
+            report_.summary.dropped_triangle_count += count - kept_count;
         }
-        assembly_.EnableAllCouples();
-        summary_.body_count = assembly_.body_count();
-        summary_.couple_count = assembly_.configuration().RetrieveCouplesCount();
+        for (const auto& [part, warning] : warnings.Summed()) console_.Warn(part, warning);
+        model_.meshes = {};  // the engine has its own copies; large assemblies need the memory
+        ChooseCouples();
+    }
+
+    void ChooseCouples() {
+        for (const std::string& warning :
+             EnableCouples(assembly_, model_.parts, model_.owners, options_.couples)) {
+            console_.Warn("--ignore", warning);
+        }
+        report_.summary.body_count = assembly_.body_count();
+        report_.summary.couple_count = assembly_.configuration().RetrieveCouplesCount();
+        if (report_.summary.couple_count == 0 && assembly_.body_count() > 1) {
+            console_.Warn("check", "none of the couples is among those asked for, so nothing is checked");
+        }
     }
 
     void Dump() {
@@ -91,13 +120,61 @@ private:
         });
     }
 
+    /// In the order of the parts, whatever order the choice of couples left them in.
+    void CollectCouples() {
+        const auto numbers = [](const tarn::CollisionPairResult& pair) {
+            return std::minmax(PartOf(*pair.First), PartOf(*pair.Second));
+        };
+        std::ranges::stable_sort(result_.Pairs, [&](const auto& one, const auto& other) {
+            const auto [one_low, one_high] = numbers(one);
+            const auto [other_low, other_high] = numbers(other);
+            return std::pair(one_low, one_high) < std::pair(other_low, other_high);
+        });
+        short_names_ = ShortNames(model_.parts);
+        for (const tarn::CollisionPairResult& pair : result_.Pairs) {
+            ReportedCouple couple{Reported(*pair.First), Reported(*pair.Second), {}};
+            if (!pair.Triangles.empty()) couple.centre = CrossingCentre(pair.Triangles.front());
+            report_.couples.push_back(std::move(couple));
+        }
+    }
+
+    ReportedPart Reported(const tarn::ICollisionBody& body) const {
+        const std::size_t number = PartOf(body);
+        const Part& part = model_.parts[number];
+        return {part.name, short_names_[number], model_.owners[part.owner]};
+    }
+
+    std::string FormattedReport() const {
+        switch (options_.format) {
+            case ReportFormat::Json:
+                return FormatJson(report_);
+            case ReportFormat::Csv:
+                return FormatCsv(report_);
+            case ReportFormat::Table:
+                break;
+        }
+        return FormatTable(report_) + FormatSummary(report_.summary);
+    }
+
+    /// A file takes the report's place on standard output, where only the summary is left to say.
+    void WriteReport() {
+        if (!options_.output_path.empty()) {
+            const std::string text = FormattedReport();
+            WriteOutputFile(options_.output_path, [&text](std::ostream& stream) { stream << text; });
+            if (!options_.is_quiet) PrintResult(FormatSummary(report_.summary));
+        } else if (!options_.is_quiet) {
+            PrintResult(FormattedReport());
+        }
+    }
+
     const CheckOptions& options_;
     Console console_;
-    std::vector<Mesh> meshes_;
+    Model model_;
     Assembly assembly_;
     std::unique_ptr<tarn::ICollisionDetector> detector_ = tarn::make_unique_detector();
     tarn::CollisionResult result_;
-    CheckSummary summary_;
+    std::vector<std::string> short_names_;  // of the parts
+    Report report_;
 };
 
 }  // namespace

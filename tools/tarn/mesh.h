@@ -7,11 +7,11 @@
 
 namespace tarn::program {
 
-/// One part as it was read: what becomes one body.
+/// Triangles as a file holds them once, however many parts they make: what becomes one element.
 struct Mesh {
-    std::string name;  ///< unique among the meshes of one run
+    std::string name;
     std::vector<tarn::TriangleData>
-        triangles;  ///< world coordinates in millimetres, all finite, in file order
+        triangles;  ///< local coordinates in millimetres, all finite, in file order
 };
 
 }  // namespace tarn::program

@@ -1,24 +1,41 @@
 #pragma once
 
+#include "tarn/matrix.h"
 #include "tarn/triangle_data.h"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace tarn::program {
 
-/// Median edge lengths, in millimetres, between which the triangle tests' absolute tolerances do no harm.
-/// Below, the tests pass over crossings; above, they see coplanar faces cross that are apart.
+/// Below this median edge length, in millimetres, the triangle tests' absolute tolerances pass over
+/// crossings.
 inline constexpr double kSmallestTrustedMedianEdge = 0.2;
-inline constexpr double kLargestTrustedMedianEdge = 500.0;
 
-/// The median of the lengths of all edges, those of neighbours counted twice; the upper one of two middles.
-/// The triangles must not be none.
-double MedianEdgeLength(const std::vector<tarn::TriangleData>& triangles);
+/// Above this product of the longest edge and the largest coordinate, in square millimetres, rounding noise
+/// can make coplanar faces that are apart seem to cross: the noise in signed volumes grows with it and comes
+/// near the tests' absolute tolerance.
+inline constexpr double kLargestTrustedEdgeTimesReach = 1e9;
 
-/// Why checks of these triangles (in millimetres) deserve doubt, as one sentence, or an empty text.
-/// `kept_count` is how many of them the engine kept.
-std::string DescribeDoubtfulSize(const std::vector<tarn::TriangleData>& triangles, std::size_t kept_count);
+/// Measures of one part where it stands, in millimetres.
+struct PartSize {
+    double median_edge = 0;   ///< edges of neighbours counted twice; the upper one of two middles
+    double longest_edge = 0;  ///< infinite where a difference overflows
+    double reach = 0;         ///< largest absolute coordinate; infinite where the placement overflows
+};
+
+/// The triangles, in local coordinates, where a placement puts them.
+std::vector<tarn::TriangleData> Placed(const std::vector<tarn::TriangleData>& triangles,
+                                       const tarn::MATRIX& placement);
+
+/// Measures triangles in world coordinates, which must not be none.
+PartSize MeasurePart(const std::vector<tarn::TriangleData>& triangles);
+
+enum class SizeDoubt { None, TooFine, TooLarge };
+
+SizeDoubt DoubtOf(const PartSize& size);
+
+/// Why checks of a part of this size deserve doubt, as one sentence. The doubt must not be none.
+std::string DescribeDoubt(SizeDoubt doubt, const PartSize& size);
 
 }  // namespace tarn::program

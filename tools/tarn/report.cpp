@@ -1,6 +1,5 @@
 #include "report.h"
 
-#include "crossing_centre.h"
 #include "printable_text.h"
 
 #include <fmt/format.h>
@@ -8,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -36,22 +34,21 @@ std::size_t DisplayWidth(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, starts_character));
 }
 
-Row MakeRow(const tarn::CollisionPairResult& pair) {
-    Row row = {Printable(pair.First->GetName()), Printable(pair.Second->GetName()), "-", "-", "-"};
-    if (pair.Triangles.empty()) return row;
-    const Point centre = CrossingCentre(pair.Triangles.front());
-    row[2] = FormatMillimetres(centre.x);
-    row[3] = FormatMillimetres(centre.y);
-    row[4] = FormatMillimetres(centre.z);
+Row MakeRow(const ReportedCouple& couple) {
+    Row row = {Printable(couple.first.short_name), Printable(couple.second.short_name), "-", "-", "-"};
+    if (!couple.centre) return row;
+    row[2] = FormatMillimetres(couple.centre->x);
+    row[3] = FormatMillimetres(couple.centre->y);
+    row[4] = FormatMillimetres(couple.centre->z);
     return row;
 }
 
 }  // namespace
 
-std::string FormatTable(const tarn::CollisionResult& result) {
-    if (result.Pairs.empty()) return {};
+std::string FormatTable(const Report& report) {
+    if (report.couples.empty()) return {};
     std::vector<Row> rows = {{"first", "second", "centre x [mm]", "y [mm]", "z [mm]"}};
-    std::ranges::transform(result.Pairs, std::back_inserter(rows), MakeRow);
+    for (const ReportedCouple& couple : report.couples) rows.push_back(MakeRow(couple));
 
     std::array<std::size_t, kColumnCount> widths{};
     for (const Row& row : rows) {

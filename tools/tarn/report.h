@@ -1,10 +1,12 @@
 #pragma once
 
-#include "tarn/collision_result.h"
+#include "crossing_centre.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace tarn::program {
 
@@ -21,11 +23,37 @@ struct CheckSummary {
     double checking_seconds = 0;
 };
 
-/// The interfering couples as a table with a heading, one line each: both names, then the centre of the
-/// crossing in millimetres, or "-" without triangles. Empty without couples.
-std::string FormatTable(const tarn::CollisionResult& result);
+/// One side of an interfering couple.
+struct ReportedPart {
+    std::string name;
+    std::string short_name;  ///< for the eye: see `ShortNames`
+    std::string owner;
+};
+
+/// One interfering couple.
+struct ReportedCouple {
+    ReportedPart first;
+    ReportedPart second;
+    std::optional<Point> centre;  ///< of the crossing; none for policies without triangles
+};
+
+/// All that a report tells.
+struct Report {
+    std::vector<ReportedCouple> couples;
+    CheckSummary summary;
+};
+
+/// The couples as a table with a heading, one line each: both short names, then the centre of the crossing
+/// in millimetres, or "-" without one. Empty without couples.
+std::string FormatTable(const Report& report);
 
 /// The summary as one line.
 std::string FormatSummary(const CheckSummary& summary);
+
+/// The couples as comma-separated values with a heading, numbers with all their digits.
+std::string FormatCsv(const Report& report);
+
+/// The couples and the summary as one JSON object, numbers with all their digits.
+std::string FormatJson(const Report& report);
 
 }  // namespace tarn::program

@@ -1,7 +1,7 @@
 #include "stl_binary.h"
 
+#include "coordinate.h"
 #include "program_error.h"
-#include "stl_coordinate.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #include "stl_text.h"
 
+#include "coordinate.h"
 #include "printable_text.h"
 #include "program_error.h"
-#include "stl_coordinate.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "stl_coordinate.h"
+#include "coordinate.h"
 
 #include "printable_text.h"
 #include "program_error.h"

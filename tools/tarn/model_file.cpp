@@ -1,0 +1,88 @@
+#include "model_file.h"
+
+#include "file_content.h"
+#include "gltf_container.h"
+#include "gltf_reader.h"
+#include "obj_reader.h"
+#include "printable_text.h"
+#include "program_error.h"
+#include "stl_reader.h"
+
+#ifdef TARN_WITH_ASSIMP
+#include "assimp_reader.h"
+#endif
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+namespace tarn::program {
+namespace {
+
+/// In lower case, with its dot. ASCII only, so that no locale plays a part.
+std::string EndingOf(const std::string& path) {
+    std::string ending = std::filesystem::path(path).extension().string();
+    std::ranges::transform(ending, ending.begin(), [](char character) {
+        const bool is_upper = character >= 'A' && character <= 'Z';
+        return is_upper ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return ending;
+}
+
+Model ReadStlModel(const std::string& bytes, double millimetres_per_unit) {
+    StlContent content = ReadStl(bytes, millimetres_per_unit);
+    Model model = SinglePartModel({{}, std::move(content.triangles)});
+    model.warnings = std::move(content.warnings);
+    return model;
+}
+
+Model ReadGltfModel(const std::string& bytes, const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return ReadGltf(bytes, [&folder](const std::string& neighbour) { return LoadBelow(folder, neighbour); });
+}
+
+Model ReadOther([[maybe_unused]] const std::string& path,
+                const std::string& ending,
+                [[maybe_unused]] double millimetres_per_unit) {
+#ifdef TARN_WITH_ASSIMP
+    if (!ReadWholeFile(path).empty()) return ReadWithAssimp(path, millimetres_per_unit);
+    throw FormatError("is empty, holds no triangles");
+#else
+    throw FormatError(
+        fmt::format("{} files are read only by builds with assimp (TARN_WITH_ASSIMP=ON); this "
+                    "build reads {}",
+                    Excerpt(ending), ReadableFormats()));
+#endif
+}
+
+Model ReadAnyModel(const std::string& path, double millimetres_per_unit) {
+    const std::string ending = EndingOf(path);
+    if (ending == ".stl") return ReadStlModel(ReadWholeFile(path), millimetres_per_unit);
+    if (ending == ".obj") return ReadObj(ReadWholeFile(path), millimetres_per_unit);
+    if (ending == ".gltf" || ending == ".glb") return ReadGltfModel(ReadWholeFile(path), path);
+    if (!ending.empty()) return ReadOther(path, ending, millimetres_per_unit);
+    const std::string bytes = ReadWholeFile(path);
+    return LooksLikeGlb(bytes) ? ReadGltfModel(bytes, path) : ReadStlModel(bytes, millimetres_per_unit);
+}
+
+}  // namespace
+
+Model ReadModelFile(const std::string& path, LengthUnit unit) {
+    try {
+        return ReadAnyModel(path, MillimetresPer(unit));
+    } catch (const FormatError& error) {
+        throw ProgramError(path + ": " + error.what());
+    }
+}
+
+std::string ReadableFormats() {
+#ifdef TARN_WITH_ASSIMP
+    return "STL, OBJ, glTF, GLB and, through assimp, others";
+#else
+    return "STL, OBJ, glTF and GLB";
+#endif
+}
+
+}  // namespace tarn::program
