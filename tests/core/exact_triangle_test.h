@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <random>
 
 namespace tarn::test {
 
@@ -13,10 +14,18 @@ namespace tarn::test {
 using WholePoint = std::array<std::int64_t, 3>;
 using WholeTriangle = std::array<WholePoint, 3>;
 
+inline WholeTriangle RandomWhole(std::mt19937_64& random, std::int64_t reach) {
+    std::uniform_int_distribution<std::int64_t> coordinate(-reach, reach);
+    WholeTriangle triangle;
+    for (WholePoint& vertex : triangle) {
+        for (std::int64_t& c : vertex) c = coordinate(random);
+    }
+    return triangle;
+}
+
 inline TriangleData DataOf(const WholeTriangle& triangle) {
-    const auto at = [&](int vertex, int axis) {
-        return static_cast<double>(
-            triangle[static_cast<std::size_t>(vertex)][static_cast<std::size_t>(axis)]);
+    const auto at = [&](std::size_t vertex, std::size_t axis) {
+        return static_cast<double>(triangle[vertex][axis]);
     };
     return {at(0, 0), at(0, 1), at(0, 2), at(1, 0), at(1, 1), at(1, 2), at(2, 0), at(2, 1), at(2, 2)};
 }

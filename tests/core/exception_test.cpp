@@ -20,27 +20,20 @@ void ExpectFamilyMember(const std::string& name) {
     SCOPED_TRACE(name);
     static_assert(std::is_base_of_v<Base, Class>);
     EXPECT_EQ(Class().displayText(), name);
-    EXPECT_EQ(Class("M").displayText(), name + ": M");
-    EXPECT_EQ(Class("M", "A").message(), "M: A");
+    EXPECT_EQ(Class("M", "A").displayText(), name + ": M: A");
     EXPECT_EQ(Class("M", "").message(), "M");
-    EXPECT_EQ(Class().nested(), nullptr);
 
     auto original = std::make_unique<Class>("outer", OutOfMemoryException("inner"));
+    const Exception* const nested_in_original = original->nested();
     const auto expect_copy = [&](const Exception& copy) {
         EXPECT_EQ(typeid(copy), typeid(Class));
         EXPECT_EQ(copy.what(), name);
-        EXPECT_EQ(copy.name(), name);
-        EXPECT_EQ(copy.message(), "outer");
+        EXPECT_EQ(copy.displayText(), name + ": outer");
         ASSERT_NE(copy.nested(), nullptr);
-        const Exception& nested = *copy.nested();
-        EXPECT_EQ(typeid(nested), typeid(OutOfMemoryException));
-        EXPECT_EQ(nested.displayText(), "OutOfMemoryException: inner");
-        if (original && &copy != original.get()) {
-            EXPECT_NE(copy.nested(), original->nested()) << "a copy owns its own";
-        }
+        EXPECT_NE(copy.nested(), nested_in_original) << "a copy owns its own";
+        EXPECT_EQ(copy.nested()->displayText(), "OutOfMemoryException: inner");
     };
     const Exception& as_root = *original;
-    expect_copy(*original);
     const std::unique_ptr<Exception> clone(as_root.clone());
     const Class copy(*original);
     Class assigned("before", LogicException("before"));
@@ -48,9 +41,8 @@ void ExpectFamilyMember(const std::string& name) {
     try {
         as_root.rethrow();
     } catch (const Base& caught) {
-        const auto& thrown = dynamic_cast<const Exception&>(caught);
-        EXPECT_NE(&thrown, &as_root) << "a copy is thrown";
-        expect_copy(thrown);
+        EXPECT_NE(&caught, original.get()) << "a copy is thrown";
+        expect_copy(dynamic_cast<const Exception&>(caught));
     }
     original.reset();
     expect_copy(*clone);
@@ -61,7 +53,7 @@ void ExpectFamilyMember(const std::string& name) {
     moved = std::move(assigned);
     expect_copy(moved);
     // NOLINTNEXTLINE(bugprone-use-after-move): what a move leaves behind is promised.
-    EXPECT_TRUE(assigned.message().empty());
+    EXPECT_EQ(assigned.displayText(), name);
     EXPECT_EQ(assigned.nested(), nullptr);
 }
 
@@ -76,49 +68,34 @@ TEST(Exception, EveryClassKeepsItsIdentityAndOwnsWhatIsNested) {
     ExpectFamilyMember<OutOfMemoryException, RuntimeException>("OutOfMemoryException");
     ExpectFamilyMember<BadCastException, RuntimeException>("BadCastException");
     static_assert(!std::is_base_of_v<LogicException, RuntimeException>);
-    static_assert(!std::is_base_of_v<LogicException, BadCastException>);
-    static_assert(!std::is_base_of_v<RuntimeException, NullPointerException>);
+    static_assert(!std::is_base_of_v<RuntimeException, LogicException>);
 }
 
 TEST(Exception, SeparatesTextsOnlyWhereThereAreTwo) {
     EXPECT_EQ(LogicException("", "A").message(), ": A") << "the constructor looks at the argument alone";
     RuntimeException exception;
-    exception.extendedMessage("");
-    EXPECT_EQ(exception.message(), "");
-    exception.extendedMessage("A");
-    EXPECT_EQ(exception.message(), "A");
-    exception.extendedMessage("");
-    exception.extendedMessage("B");
-    EXPECT_EQ(exception.message(), "A: B");
-    EXPECT_EQ(exception.displayText(), "RuntimeException: A: B");
-    EXPECT_STREQ(exception.what(), "RuntimeException");
+    for (const char* argument : {"", "A", "", "B"}) exception.extendedMessage(argument);
+    exception.extendedMessage(exception.message());
+    EXPECT_EQ(exception.displayText(), "RuntimeException: A: B: A: B");
 }
 
 TEST(Exception, MayBeAssignedItselfOrWhatIsNestedInIt) {
-    const auto chain = [] {
-        return LogicException("outer", RuntimeException("middle", BadCastException("inner")));
+    const LogicException chain("outer", RuntimeException("middle", BadCastException("inner")));
+    const auto expect_texts = [](const Exception& exception, const char* text, const char* nested) {
+        EXPECT_EQ(exception.displayText(), text);
+        ASSERT_NE(exception.nested(), nullptr);
+        EXPECT_EQ(exception.nested()->displayText(), nested);
     };
-    LogicException self = chain();
-    const Exception& same = self;
-    static_cast<Exception&>(self) = same;
-    EXPECT_EQ(self.message(), "outer");
-    ASSERT_NE(self.nested(), nullptr);
-    EXPECT_EQ(self.nested()->displayText(), "RuntimeException: middle");
-
-    Exception copied(chain());
+    Exception copied(chain);
+    const Exception& same = copied;
+    copied = same;
+    expect_texts(copied, "Exception: outer", "RuntimeException: middle");
     copied = *copied.nested();
-    EXPECT_EQ(copied.displayText(), "Exception: middle");
-    ASSERT_NE(copied.nested(), nullptr);
-    EXPECT_EQ(copied.nested()->displayText(), "BadCastException: inner");
-
-    Exception moved(chain());
+    expect_texts(copied, "Exception: middle", "BadCastException: inner");
+    Exception moved(chain);
     moved = std::move(const_cast<Exception&>(*moved.nested()));
-    EXPECT_EQ(moved.displayText(), "Exception: middle");
-    ASSERT_NE(moved.nested(), nullptr);
-    EXPECT_EQ(moved.nested()->displayText(), "BadCastException: inner");
-
+    expect_texts(moved, "Exception: middle", "BadCastException: inner");
     copied = Exception();
-    EXPECT_EQ(copied.displayText(), "Exception");
     EXPECT_EQ(copied.nested(), nullptr);
 }
 

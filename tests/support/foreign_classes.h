@@ -42,6 +42,8 @@ private:
 
 class ForeignConfiguration final : public ICollisionConfiguration {
 public:
+    int updates = 0;
+
     void AddElement(ICollisionBody*, bool) override {}
     void AddElement(ICollisionBody*) override {}
     bool RemoveElement(ICollisionBody*) override { return false; }
@@ -66,7 +68,7 @@ public:
     [[nodiscard]] ICollisionConfiguration* Clone() const override { return new ForeignConfiguration(); }
     void MergeConfiguration(ICollisionConfiguration*, bool, int) override {}
     void AppendDistinctConfiguration(ICollisionConfiguration*, int) override {}
-    void UpdateBodies() override {}
+    void UpdateBodies() override { ++updates; }
 };
 
 }  // namespace tarn::test
