@@ -22,17 +22,21 @@ namespace {
 using test::Scene;
 using Couples = std::vector<std::pair<ICollisionBody*, ICollisionBody*>>;
 
-constexpr int kBodies = 40;
+constexpr std::size_t kBodies = 40;
 
-void FillWithMovingBodies(Scene& scene) {
-    ICollisionElement* ball = scene.AddElement(test::BumpyBallMesh(1.5, 10));
-    for (int i = 0; i < kBodies; ++i) scene.AddBody(ball, {});
-    scene.Configuration().EnableAllCouples();
-}
+/// All couples of bodies that move at random.
+struct MovingScene : Scene {
+    std::mt19937_64 random{1};
 
-void MoveAll(Scene& scene, std::mt19937_64& random) {
-    for (const auto& body : scene.Bodies()) body->SetMatrix(test::RandomRigid(random, 5.0));
-}
+    MovingScene() {
+        ICollisionElement* ball = AddElement(test::BumpyBallMesh(1.5, 10));
+        for (std::size_t i = 0; i < kBodies; ++i) AddBody(ball, {});
+        Configuration().EnableAllCouples();
+    }
+    void MoveAll() {
+        for (const auto& body : Bodies()) body->SetMatrix(test::RandomRigid(random, 5.0));
+    }
+};
 
 Couples InterferingCouples(ICollisionConfiguration& configuration) {
     CollisionResult result;
@@ -42,28 +46,13 @@ Couples InterferingCouples(ICollisionConfiguration& configuration) {
     return couples;
 }
 
-// Hundreds of couples share moved bodies, so that several threads reach the same stale nodes at once.
-TEST(ConcurrentChecks, RefreshSharedBodiesOnce) {
-    Scene scene;
-    FillWithMovingBodies(scene);
-    std::mt19937_64 random(1);
-    for (int move = 0; move < 5; ++move) {
-        MoveAll(scene, random);
-        const Couples couples = InterferingCouples(scene.Configuration());
-        EXPECT_FALSE(couples.empty());
-        EXPECT_EQ(couples, InterferingCouples(scene.Configuration()));
-    }
-}
-
 // Checks start together on one configuration and on another with the same bodies, all placements still
-// pending.
-TEST(ConcurrentChecks, ApplyPendingPlacementsOnce) {
-    Scene scene;
-    FillWithMovingBodies(scene);
+// pending; hundreds of couples share bodies, so that several threads reach the same stale nodes at once.
+TEST(ConcurrentChecks, ApplyPendingPlacementsAndRefreshSharedBodiesOnce) {
+    MovingScene scene;
     const std::unique_ptr<ICollisionConfiguration> other(scene.Configuration().Clone());
-    std::mt19937_64 random(2);
     for (int move = 0; move < 5; ++move) {
-        MoveAll(scene, random);
+        scene.MoveAll();
         constexpr std::size_t kThreads = 4;
         std::vector<Couples> found(kThreads);
         std::barrier start(static_cast<std::ptrdiff_t>(kThreads));
@@ -82,17 +71,15 @@ TEST(ConcurrentChecks, ApplyPendingPlacementsOnce) {
 }
 
 TEST(ConcurrentChecks, ReadersMayRunBesideChecks) {
-    Scene scene;
-    FillWithMovingBodies(scene);
-    std::mt19937_64 random(3);
-    MoveAll(scene, random);
+    MovingScene scene;
+    scene.MoveAll();
     std::thread reader([&] {
         for (int round = 0; round < 20; ++round) {
             std::vector<CollisionPair> couples;
             scene.Configuration().UpdateBodies();
-            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples).size(), kBodies * (kBodies - 1) / 2U);
-            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples, scene.Bodies()[3].get()).size(),
-                      kBodies - 1U);
+            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples).size(), kBodies * (kBodies - 1) / 2);
+            ICollisionBody* const body = scene.Bodies()[3].get();
+            EXPECT_EQ(scene.Configuration().RetrieveCouples(couples, body).size(), kBodies - 1);
         }
     });
     for (int round = 0; round < 5; ++round) {

@@ -4,29 +4,21 @@
 #include "core/plane.h"
 #include "core/triangle_intersection.h"
 
-#include <optional>
-#include <span>
-#include <stack>
+#include "tarn/triangle_data.h"
+
 #include <vector>
 
 namespace tarn::test {
 
 /// The interference rules told once more without any thought of speed: every world box and triangle is
 /// computed from the placement when it is looked at, on one thread, and all hits are collected.
-struct PlainHit {
-    details::Triangle first;
-    details::Triangle second;
-};
-
 inline std::vector<details::Triangle> PlainWorldTriangles(const details::AABBHierarchyNode& node,
                                                           const MATRIX& m) {
     const auto place = [&m](double& x, double& y, double& z) {
-        const double px = x;
-        const double py = y;
-        const double pz = z;
-        x = m[0] * px + m[1] * py + m[2] * pz + m[3];
-        y = m[4] * px + m[5] * py + m[6] * pz + m[7];
-        z = m[8] * px + m[9] * py + m[10] * pz + m[11];
+        const details::Vector3 p{x, y, z};
+        x = m[0] * p.x + m[1] * p.y + m[2] * p.z + m[3];
+        y = m[4] * p.x + m[5] * p.y + m[6] * p.z + m[7];
+        z = m[8] * p.x + m[9] * p.y + m[10] * p.z + m[11];
     };
     std::vector<details::Triangle> triangles;
     for (details::Triangle triangle : node.LocalTriangles()) {
@@ -38,66 +30,59 @@ inline std::vector<details::Triangle> PlainWorldTriangles(const details::AABBHie
     return triangles;
 }
 
+inline void CollectPlainHits(const std::vector<details::Triangle>& first,
+                             const std::vector<details::Triangle>& second,
+                             std::vector<TriangleDataPair>& hits) {
+    for (const details::Triangle& i : first) {
+        for (const details::Triangle& j : second) {
+            if (TrianglesIntersect(j, details::PlaneOf(j), i, details::PlaneOf(i))) hits.push_back({i, j});
+        }
+    }
+}
+
 inline bool PlainDisjoint(const details::Box& a, const details::Box& b) {
     return a.min.x > b.max.x || b.min.x > a.max.x || a.min.y > b.max.y || b.min.y > a.max.y ||
            a.min.z > b.max.z || b.min.z > a.max.z;
 }
 
-inline bool PlainTrianglesIntersect(const details::Triangle& first, const details::Triangle& second) {
-    return details::TrianglesIntersect(second, details::PlaneOf(second), first, details::PlaneOf(first));
+/// All hits below two nodes in traversal order.
+inline void CollectPlainHits(const details::CollisionBody& first,
+                             const details::AABBHierarchyNode& a,
+                             const details::CollisionBody& second,
+                             const details::AABBHierarchyNode& b,
+                             std::vector<TriangleDataPair>& hits) {
+    const MATRIX& to_a = first.CurrentMatrix();
+    const MATRIX& to_b = second.CurrentMatrix();
+    if (PlainDisjoint(Place(to_a, a.LocalBox()), Place(to_b, b.LocalBox()))) return;
+    if (a.IsLeaf() && b.IsLeaf()) {
+        CollectPlainHits(PlainWorldTriangles(a, to_a), PlainWorldTriangles(b, to_b), hits);
+    } else if (b.IsLeaf() || (!a.IsLeaf() && a.LocalBox().extent_sum >= b.LocalBox().extent_sum)) {
+        CollectPlainHits(first, *a.FirstChild(), second, b, hits);
+        CollectPlainHits(first, *a.SecondChild(), second, b, hits);
+    } else {
+        CollectPlainHits(first, a, second, *b.FirstChild(), hits);
+        CollectPlainHits(first, a, second, *b.SecondChild(), hits);
+    }
 }
 
 /// All hits of two bodies in traversal order.
-inline std::vector<PlainHit> PlainHits(const details::CollisionBody& first,
-                                       const details::CollisionBody& second) {
-    struct NodePair {
-        const details::AABBHierarchyNode* first;
-        const details::AABBHierarchyNode* second;
-    };
-    std::vector<PlainHit> hits;
-    const details::AABBHierarchyNode& first_root = first.Hierarchy()->Root();
-    const details::AABBHierarchyNode& second_root = second.Hierarchy()->Root();
-    if (first_root.IsEmpty() || second_root.IsEmpty()) return hits;
-    std::stack<NodePair> stack;
-    stack.push({&first_root, &second_root});
-    while (!stack.empty()) {
-        const auto [a, b] = stack.top();
-        stack.pop();
-        if (PlainDisjoint(Place(first.CurrentMatrix(), a->LocalBox()),
-                          Place(second.CurrentMatrix(), b->LocalBox()))) {
-            continue;
-        }
-        if (a->IsLeaf() && b->IsLeaf()) {
-            for (const auto& i : PlainWorldTriangles(*a, first.CurrentMatrix())) {
-                for (const auto& j : PlainWorldTriangles(*b, second.CurrentMatrix())) {
-                    if (PlainTrianglesIntersect(i, j)) hits.push_back({i, j});
-                }
-            }
-        } else if (b->IsLeaf() || (!a->IsLeaf() && a->LocalBox().extent_sum >= b->LocalBox().extent_sum)) {
-            stack.push({a->SecondChild(), b});
-            stack.push({a->FirstChild(), b});
-        } else {
-            stack.push({a, b->SecondChild()});
-            stack.push({a, b->FirstChild()});
-        }
-    }
+inline std::vector<TriangleDataPair> PlainHits(const details::CollisionBody& first,
+                                               const details::CollisionBody& second) {
+    std::vector<TriangleDataPair> hits;
+    CollectPlainHits(first, first.Hierarchy()->Root(), second, second.Hierarchy()->Root(), hits);
     return hits;
 }
 
-/// Whether any two triangles intersect, boxes or not.
-inline bool BruteForceInterferes(const details::CollisionBody& first, const details::CollisionBody& second) {
-    std::vector<details::Triangle> second_triangles;
-    for (const auto& node : second.Hierarchy()->Nodes()) {
-        for (const auto& t : PlainWorldTriangles(node, second.CurrentMatrix())) second_triangles.push_back(t);
+/// All hits, boxes or not.
+inline std::vector<TriangleDataPair> BruteForceHits(const details::CollisionBody& first,
+                                                    const details::CollisionBody& second) {
+    std::vector<TriangleDataPair> hits;
+    for (const auto& a : first.Hierarchy()->Nodes()) {
+        for (const auto& b : second.Hierarchy()->Nodes())
+            CollectPlainHits(PlainWorldTriangles(a, first.CurrentMatrix()),
+                             PlainWorldTriangles(b, second.CurrentMatrix()), hits);
     }
-    for (const auto& node : first.Hierarchy()->Nodes()) {
-        for (const auto& i : PlainWorldTriangles(node, first.CurrentMatrix())) {
-            for (const auto& j : second_triangles) {
-                if (PlainTrianglesIntersect(i, j)) return true;
-            }
-        }
-    }
-    return false;
+    return hits;
 }
 
 }  // namespace tarn::test
