@@ -186,7 +186,7 @@ void ExpectFollows(const ICollisionConfiguration& configuration,
 }
 
 struct Call {
-    unsigned kind;
+    std::size_t kind;
     ICollisionBody* x;
     ICollisionBody* y;
     std::uint64_t owner1;
@@ -231,13 +231,9 @@ TEST(CollisionConfiguration, FollowsTheRulesUnderAnyCalls) {
         std::unique_ptr<ICollisionConfiguration> configurations[2]{make_unique_configuration(),
                                                                    make_unique_configuration()};
         Model models[2];
+        const auto body = [&] { return bodies[below(bodies.size())]; };
         for (int i = 0; i < 100; ++i) {
-            const Call call{static_cast<unsigned>(below(20)),
-                            bodies[below(bodies.size())],
-                            bodies[below(bodies.size())],
-                            below(4),
-                            below(4),
-                            below(3) > 0};
+            const Call call{below(20), body(), body(), below(4), below(4), below(3) > 0};
             SCOPED_TRACE(testing::Message() << "call " << i << " of kind " << call.kind);
             const std::size_t which = below(2);
             std::unique_ptr<ICollisionConfiguration>& real = configurations[which];
@@ -338,7 +334,7 @@ TEST_F(CollisionConfigurationTest, KeepsTheOrderOfManyCouples) {
     Model model;
     for (ICollisionBody* body : bodies_) model.AddElement(body);
     for (const auto& [kind, enable] :
-         {std::pair{9U, true}, {13U, true}, {15U, true}, {14U, false}, {15U, false}}) {
+         {std::pair{std::size_t{9}, true}, {13U, true}, {15U, true}, {14U, false}, {15U, false}}) {
         const Call call{kind, nullptr, nullptr, 0, 0, enable};
         ASSERT_EQ(Apply<ICollisionConfiguration>(call, configuration_, configuration_),
                   Apply(call, model, model));

@@ -2,10 +2,12 @@
 
 #include "tarn/triangle_data.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <random>
+#include <utility>
 
 namespace tarn::test {
 
@@ -83,19 +85,17 @@ inline std::int64_t TwiceArea(const WholePoint2& a, const WholePoint2& b, const 
 /// Whether two triangles of some area in the plane share a point: two convex polygons do unless an edge of
 /// one has all of the other strictly beyond it (separating axes).
 inline bool SharePoint(const WholeTriangle2& a, const WholeTriangle2& b) {
-    const auto is_separated_by_edge_of = [](const WholeTriangle2& by, const WholeTriangle2& other) {
-        const bool is_left_turn = TwiceArea(by[0], by[1], by[2]) > 0;
+    for (const auto& pair : {std::pair(a, b), std::pair(b, a)}) {
+        const WholeTriangle2& by = pair.first;
+        const std::int64_t turn = TwiceArea(by[0], by[1], by[2]) > 0 ? 1 : -1;
         for (std::size_t i = 0; i < 3; ++i) {
-            bool all_beyond = true;
-            for (const WholePoint2& p : other) {
-                const std::int64_t side = TwiceArea(by[i], by[(i + 1) % 3], p);
-                all_beyond = all_beyond && (is_left_turn ? side < 0 : side > 0);
-            }
-            if (all_beyond) return true;
+            const auto is_beyond = [&](const WholePoint2& p) {
+                return turn * TwiceArea(by[i], by[(i + 1) % 3], p) < 0;
+            };
+            if (std::ranges::all_of(pair.second, is_beyond)) return false;
         }
-        return false;
-    };
-    return !is_separated_by_edge_of(a, b) && !is_separated_by_edge_of(b, a);
+    }
+    return true;
 }
 
 }  // namespace tarn::test

@@ -40,9 +40,8 @@ struct Model {
         return true;
     }
     bool Erase(std::uint64_t key) {
-        const std::size_t position = PositionOf(key);
-        if (position == entries.size()) return false;
-        entries[position] = entries.back();
+        if (PositionOf(key) == entries.size()) return false;
+        entries[PositionOf(key)] = entries.back();
         entries.pop_back();
         return true;
     }
