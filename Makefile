@@ -1,14 +1,15 @@
 # Thin targets over the bootstrap script and the CMake presets. `make help` lists them.
-.PHONY: help demo test debug asan tsan coverage bench format clean
+.PHONY: help demo test asan tsan coverage bench peers fuzz format clean
 
 help:
 	@echo "make demo      build, make a small assembly and check it"
 	@echo "make test      build and run the tests"
 	@echo "make asan      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make tsan      the tests under ThreadSanitizer"
-	@echo "make oracle    the tests, with exact arithmetic as a further judge"
 	@echo "make coverage  the tests, and what they reach"
 	@echo "make bench     build and run the benchmarks"
+	@echo "make peers     the same beside FCL, and answers beside exact arithmetic"
+	@echo "make fuzz      feed the readers with damaged files, SECONDS=60 for each"
 	@echo "make format    format all sources"
 	@echo "make clean     remove all builds"
 
@@ -32,11 +33,6 @@ tsan:
 	@scripts/build tsan
 	ctest --preset tsan
 
-oracle:
-	@scripts/bootstrap build oracle
-	@scripts/build release
-	ctest --preset release
-
 coverage:
 	@scripts/bootstrap build coverage
 	@scripts/build coverage
@@ -47,6 +43,19 @@ bench:
 	@scripts/bootstrap build bench
 	@scripts/build bench
 	@scripts/bench build/bench/bin
+
+# The benchmarks again, with FCL and exact arithmetic beside us.
+peers:
+	@scripts/bootstrap build bench peers
+	@cmake --preset bench >/dev/null
+	@scripts/build bench
+	build/bench/bin/bench_peers --benchmark_repetitions=3 --benchmark_enable_random_interleaving=true \
+	    --benchmark_report_aggregates_only=true
+	build/bench/bin/compare_assemblies
+
+fuzz:
+	@scripts/bootstrap build check
+	@scripts/fuzz $(or $(SECONDS),60)
 
 format:
 	@scripts/bootstrap check

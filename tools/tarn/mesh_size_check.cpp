@@ -13,10 +13,11 @@ namespace {
 
 using Coordinates = std::array<double, 9>;
 
-/// Without overflow for any finite vector; infinite for an infinite one, where the library's function of three
-/// arguments may give NaN.
+/// Infinite only where it must be, never NaN: squares may overflow, and the library's function of three
+/// arguments gives NaN for an infinite one. Squares that vanish do no harm: such an edge is too short anyway.
 double Length(double x, double y, double z) {
-    return std::hypot(std::hypot(x, y), z);
+    const double squared = x * x + y * y + z * z;
+    return std::isfinite(squared) ? std::sqrt(squared) : std::hypot(std::hypot(x, y), z);
 }
 
 }  // namespace
