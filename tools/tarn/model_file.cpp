@@ -44,9 +44,11 @@ Model ReadGltfModel(const std::string& bytes, const std::string& path) {
 }
 
 Model ReadOther([[maybe_unused]] const std::string& path,
-                const std::string& ending,
+                [[maybe_unused]] const std::string& ending,
                 [[maybe_unused]] double millimetres_per_unit) {
 #ifdef TARN_WITH_ASSIMP
+    // Read once to meet what is missing or a folder with our own words; the library opens the file again,
+    // because some formats name others beside them.
     if (!ReadWholeFile(path).empty()) return ReadWithAssimp(path, millimetres_per_unit);
     throw FormatError("is empty, holds no triangles");
 #else
