@@ -360,8 +360,10 @@ TEST_F(CollisionConfigurationTest, CollectsAndUpdatesInManyTasks) {
     });
     EXPECT_EQ(expected.size(), 2500U) << "with itself, too";
     std::vector<CollisionPair> out;
-    EXPECT_EQ(CouplesOf(configuration_.RetrieveCouples(out, bodies_[7])), expected)
-        << "in the order of all couples, whichever thread found them";
+    for (int round = 0; round < 200; ++round) {
+        ASSERT_EQ(CouplesOf(configuration_.RetrieveCouples(out, bodies_[7])), expected)
+            << "in the order of all couples, whichever thread found them";
+    }
 }
 
 }  // namespace
