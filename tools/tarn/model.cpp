@@ -49,7 +49,7 @@ void Append(Model& model, Model&& other) {
     move_all(other.warnings, model.warnings);
 }
 
-void MakeUnique(std::vector<std::string*> names) {
+void MakeUnique(const std::vector<std::string*>& names) {
     std::unordered_map<std::string, int> last_numbers;  // of each name in use, the highest number behind it
     for (std::string* const name : names) {
         const std::string given = *name;

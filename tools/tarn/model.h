@@ -42,6 +42,6 @@ void Append(Model& model, Model&& other);
 
 /// Gives names that occur more than once a number from the second on, " (2)" and so on, so that every name is
 /// unique.
-void MakeUnique(std::vector<std::string*> names);
+void MakeUnique(const std::vector<std::string*>& names);
 
 }  // namespace tarn::program
