@@ -13,10 +13,10 @@
 /// What holds for every call here:
 ///  (1) It returns when all its work has ended; what the work wrote is visible to the caller then.
 ///  (2) What the work throws leaves the call, after all running work has ended; of several exceptions one
-///  does. (3) A thread that waits inside a call takes over work of that call only, never foreign work. So a
-///  stack does
-///      not grow by what happens to be waiting elsewhere, and two claims (see `CollisionBody::Update`) cannot
-///      wait for each other.
+///      does.
+///  (3) A thread that waits inside a call takes over work of that call only, never foreign work. So a stack
+///      does not grow by what happens to be waiting elsewhere, and two claims (see `CollisionBody::Update`)
+///      cannot wait for each other.
 ///  (4) With one thread all work runs on the caller, on the same code path.
 
 namespace tarn::details {

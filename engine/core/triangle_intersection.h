@@ -16,15 +16,12 @@ inline constexpr double kOnPlaneProduct = 1e-12;
 /// Intersection Test" (1997), in its division form, with an early exit of this system's own. Properties:
 ///  (1) Coplanar triangles do not intersect.
 ///  (2) A triangle whose first vertex lies on the other's plane (in the sense of `kOnPlaneProduct`), or whose
-///  second
-///      and third do, does not intersect it, though it may cross it there. So the answer depends on which
-///      vertex comes first.
+///      second and third do, does not intersect it, though it may cross it there. So the answer depends on
+///      which vertex comes first.
 ///  (3) Otherwise the triangles intersect when the closed intervals that they cut from the line common to
-///  both planes
-///      meet; a shared end point is enough.
+///      both planes meet; a shared end point is enough.
 ///  (4) NaN coordinates exclude nothing.
-/// The order of operations is part of the answer near contact: the arguments are not interchangeable to the
-/// last bit.
+///  (5) The order of the two triangles does not matter, that of their vertices does.
 bool TrianglesIntersect(const TriangleData& a,
                         const Plane& plane_a,
                         const TriangleData& b,

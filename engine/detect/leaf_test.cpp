@@ -42,7 +42,6 @@ TriangleHit LeafTest::FindFirstHit(std::span<const Triangle> first_leaf,
         const Record& first = first_records[i];
         for (std::size_t j = 0; j < second_leaf.size(); ++j) {
             const Record& second = second_records[j];
-            // The second body's triangle comes first: near contact the order decides.
             if (TrianglesIntersect(second.triangle, second.plane, first.triangle, first.plane)) {
                 return {&first_leaf[i], &second_leaf[j]};
             }

@@ -85,7 +85,7 @@ TEST(AABBHierarchy, IsBuiltByTheRulesToTheLastBit) {
         ExpectBuiltByTheRules(mesh, leaf_number);
     }
     // Large enough for tasks at several depths.
-    const Mesh large = test::BumpyBallMesh(5.0, 60);
+    const Mesh large = test::BumpyBallMesh(5.0, 120);
     for (const std::size_t threads : {1U, 2U, 8U})
         RunWithThreadLimit(threads, [&] { ExpectBuiltByTheRules(large, 5); });
 }

@@ -24,9 +24,9 @@ enum class CheckPolicy : std::int32_t {
 /// A couple interferes exactly when some triangle of its first body intersects some triangle of its second at
 /// their current placements. What the check promises:
 ///  (1) A couple whose bodies have disjoint world boxes, or one of whose bodies has no triangle, never
-///  interferes. (2) `AllInterferences` and `AllInterferencesWithTriangles` report the same couples, in the
-///  configuration's couple
-///      order, at any number of threads.
+///      interferes.
+///  (2) `AllInterferences` and `AllInterferencesWithTriangles` report the same couples, in the
+///      configuration's couple order, at any number of threads.
 ///  (3) The triangles of a couple are the first intersecting pair in traversal order: the same on every run.
 ///  (4) `Check(configuration)` is true exactly when `AllInterferences` reports a couple.
 /// Limits, in the caller's length unit: the triangle test's tolerances are absolute and suit millimetres.
@@ -37,8 +37,7 @@ enum class CheckPolicy : std::int32_t {
 /// Every call first makes the pending placements current (`UpdateBodies`), then throws:
 ///  - `InvalidArgumentException` for a policy outside the list,
 ///  - `std::bad_cast`, if it is a check, for a configuration that provides no couples, and if it is a dump,
-///  for a body of
-///    a foreign class,
+///    for a body of a foreign class,
 ///  - `LogicException`, naming the body, where the call would reach a body that was never built.
 /// After any exception, one out of memory included, the caller's result is as it was.
 ///
