@@ -64,7 +64,9 @@ PartSize MeasurePart(const std::vector<tarn::TriangleData>& triangles) {
 
 SizeDoubt DoubtOf(const PartSize& size) {
     if (size.median_edge < kSmallestTrustedMedianEdge) return SizeDoubt::TooFine;
-    if (size.longest_edge * size.reach > kLargestTrustedEdgeTimesReach) return SizeDoubt::TooLarge;
+    if (size.longest_edge * size.longest_edge * size.reach > kLargestTrustedEdgeSquaredTimesReach) {
+        return SizeDoubt::TooLarge;
+    }
     return SizeDoubt::None;
 }
 

@@ -31,8 +31,8 @@ enum class CheckPolicy : std::int32_t {
 ///  (4) `Check(configuration)` is true exactly when `AllInterferences` reports a couple.
 /// Limits, in the caller's length unit: the triangle test's tolerances are absolute and suit millimetres.
 /// Crossings of triangles with edges below about 0.01 are not seen, a contact through a triangle's first
-/// vertex and coplanar contact do not count, and coplanar faces with edges of many hundreds, turned or far
-/// from the origin, can be seen to cross though they are apart.
+/// vertex and coplanar contact do not count, and coplanar faces with edges of about a thousand and more,
+/// turned or far from the origin, can be seen to cross though they are apart.
 ///
 /// Every call first makes the pending placements current (`UpdateBodies`), then throws:
 ///  - `InvalidArgumentException` for a policy outside the list,
