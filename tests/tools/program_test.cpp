@@ -118,7 +118,7 @@ TEST_F(Program, QuietLeavesOnlyTheExitStatus) {
 TEST_F(Program, DoubtfulPartsAreWarnedAboutInOneLineEach) {
     const std::vector<std::pair<tarn::TriangleData, std::string>> parts = {
         {{0, 0, 0, 0.1, 0, 0, 0, 0.1, 0}, "median edge 0.1 mm is below 0.2 mm"},
-        {{5001, 0, 0, 5001, 1000, 0, 5001, 0, 600}, "edges of up to 1.17e+03 mm that reach to 5e+03 mm"},
+        {{8001, 0, 0, 8001, 1000, 0, 8001, 0, 600}, "edges of up to 1.17e+03 mm that reach to 8e+03 mm"},
         {{0, 0, 0, 1e308, 1e308, 0, -1e308, 0, 0}, "edges of up to inf mm"},
         {{0, 0, 0, 0, 0, 0, 0, 10, 0}, "none of its 1 triangles is valid"}};
     for (const auto& [triangle, warning] : parts) {
@@ -130,7 +130,7 @@ TEST_F(Program, DoubtfulPartsAreWarnedAboutInOneLineEach) {
         EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
         EXPECT_TRUE(Contains(Check({part, part, part}).errors, "(2 more parts are like that)"));
     }
-    const std::string large = folder_.Write("large.stl", TextStl({{4999, 0, 0, 4999, 1000, 0, 4999, 0, 1}}));
+    const std::string large = folder_.Write("large.stl", TextStl({{9999, 0, 0, 9999, 1000, 0, 9999, 0, 1}}));
     EXPECT_EQ(Check({large}).errors, "");
     const std::string longer = folder_.Write("longer.stl", BinaryStl({kUpright}) + "more");
     EXPECT_TRUE(Contains(Check({longer}).errors, longer + ": 4 bytes behind the 1 facets"));
