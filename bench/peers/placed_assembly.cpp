@@ -1,7 +1,7 @@
 #include "peers/placed_assembly.h"
 
 #include "core/triangle.h"
-#include "model_file.h"
+#include "readers/model_file.h"
 
 #include <cstdlib>
 #include <map>

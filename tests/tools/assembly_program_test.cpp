@@ -1,6 +1,6 @@
-#include "file_content.h"
 #include "gltf_samples.h"
 #include "program_run.h"
+#include "readers/file_content.h"
 #include "stl_samples.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "gltf_reader.h"
+#include "readers/gltf_reader.h"
 
 #include "gltf_samples.h"
-#include "program_error.h"
+#include "readers/program_error.h"
 #include "stl_samples.h"
 #include "temporary_folder.h"
 

@@ -1,6 +1,6 @@
-#include "file_content.h"
-#include "program_error.h"
-#include "stl_reader.h"
+#include "readers/file_content.h"
+#include "readers/program_error.h"
+#include "readers/stl_reader.h"
 #include "stl_samples.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "obj_reader.h"
+#include "readers/obj_reader.h"
 
 #include "obj_samples.h"
-#include "program_error.h"
+#include "readers/program_error.h"
 #include "stl_samples.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "output_file.h"
 
-#include "file_content.h"
-#include "program_error.h"
+#include "readers/file_content.h"
+#include "readers/program_error.h"
 #include "temporary_folder.h"
 
 #include <gtest/gtest.h>

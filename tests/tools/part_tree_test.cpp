@@ -1,4 +1,4 @@
-#include "part_tree.h"
+#include "readers/part_tree.h"
 
 #include <gtest/gtest.h>
 

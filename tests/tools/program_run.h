@@ -1,6 +1,6 @@
 #pragma once
 
-#include "file_content.h"
+#include "readers/file_content.h"
 #include "temporary_folder.h"
 
 #include <sys/wait.h>

@@ -1,7 +1,7 @@
-#include "file_content.h"
 #include "mesh_size_check.h"
-#include "model_file.h"
-#include "program_error.h"
+#include "readers/file_content.h"
+#include "readers/model_file.h"
+#include "readers/program_error.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mesh.h"
-#include "model.h"
+#include "readers/mesh.h"
+#include "readers/model.h"
 
 #include "tarn/collision_body.h"
 #include "tarn/collision_configuration.h"

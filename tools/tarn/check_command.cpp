@@ -2,8 +2,8 @@
 
 #include "assembly.h"
 #include "console.h"
-#include "model_file.h"
 #include "output_file.h"
+#include "readers/model_file.h"
 #include "report.h"
 #include "short_names.h"
 #include "size_warnings.h"

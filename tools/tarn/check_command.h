@@ -1,7 +1,7 @@
 #pragma once
 
 #include "couple_choice.h"
-#include "length_unit.h"
+#include "readers/length_unit.h"
 
 #include "tarn/collision_detector.h"
 #include "tarn/dump_type.h"

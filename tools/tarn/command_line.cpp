@@ -2,7 +2,7 @@
 
 #include "check_command.h"
 #include "console.h"
-#include "model_file.h"
+#include "readers/model_file.h"
 
 #include "tarn/exception.h"
 #include "tarn/version.h"
@@ -33,7 +33,8 @@ constexpr const char* kCheckFooter =
     "for any characters, \"?\" for one.\n"
     "\n"
     "Tolerances are absolute and suit millimetres: crossings of triangles with edges below about\n"
-    "0.01 mm are not seen, and coplanar faces with edges of a metre and more, turned or far from the origin,\n"
+    "0.01 mm are not seen, and coplanar faces with edges of a metre and more, turned or far from the "
+    "origin,\n"
     "can be seen to cross though they are apart.\n"
     "\n"
     "Exit status: 0 nothing interferes, 1 something does, 2 the check could not be done.";

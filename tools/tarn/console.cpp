@@ -1,8 +1,8 @@
 #include "console.h"
 
-#include "printable_text.h"
-#include "program_error.h"
-#include "system_cause.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
+#include "readers/system_cause.h"
 #include "terminal.h"
 
 #include <fmt/format.h>

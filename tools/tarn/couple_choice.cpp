@@ -1,7 +1,7 @@
 #include "couple_choice.h"
 
 #include "name_pattern.h"
-#include "program_error.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

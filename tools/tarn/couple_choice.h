@@ -1,7 +1,7 @@
 #pragma once
 
 #include "assembly.h"
-#include "model.h"
+#include "readers/model.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 #include "output_file.h"
 
-#include "program_error.h"
-#include "system_cause.h"
+#include "readers/program_error.h"
+#include "readers/system_cause.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "report.h"
 
-#include "printable_text.h"
+#include "readers/printable_text.h"
 
 #include <fmt/format.h>
 

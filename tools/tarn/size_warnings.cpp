@@ -1,6 +1,6 @@
 #include "size_warnings.h"
 
-#include "program_error.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "mesh.h"
 #include "mesh_size_check.h"
-#include "model.h"
+#include "readers/mesh.h"
+#include "readers/model.h"
 
 #include <array>
 #include <cstddef>

@@ -1,5 +1,5 @@
-#include "gltf_reader.h"
-#include "program_error.h"
+#include "readers/gltf_reader.h"
+#include "readers/program_error.h"
 #include "require_model.h"
 
 #include <cstddef>

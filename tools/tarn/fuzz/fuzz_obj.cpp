@@ -1,5 +1,5 @@
-#include "obj_reader.h"
-#include "program_error.h"
+#include "readers/obj_reader.h"
+#include "readers/program_error.h"
 #include "require_model.h"
 
 #include <cstddef>

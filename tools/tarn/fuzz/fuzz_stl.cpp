@@ -1,6 +1,6 @@
-#include "program_error.h"
+#include "readers/program_error.h"
+#include "readers/stl_reader.h"
 #include "require_model.h"
-#include "stl_reader.h"
 
 #include <cstddef>
 #include <cstdint>

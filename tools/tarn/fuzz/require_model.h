@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model.h"
+#include "readers/model.h"
 
 #include "tarn/triangle_data.h"
 

@@ -1,9 +1,9 @@
-#include "obj_reader.h"
+#include "readers/obj_reader.h"
 
-#include "coordinate.h"
-#include "line_words.h"
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/coordinate.h"
+#include "readers/line_words.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "length_unit.h"
-#include "model.h"
+#include "readers/length_unit.h"
+#include "readers/model.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "line_words.h"
+#include "readers/line_words.h"
 
 namespace tarn::program {
 namespace {

@@ -1,4 +1,4 @@
-#include "system_cause.h"
+#include "readers/system_cause.h"
 
 #include <cerrno>
 #include <system_error>

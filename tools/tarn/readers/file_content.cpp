@@ -1,7 +1,7 @@
-#include "file_content.h"
+#include "readers/file_content.h"
 
-#include "program_error.h"
-#include "system_cause.h"
+#include "readers/program_error.h"
+#include "readers/system_cause.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "gltf_buffers.h"
-#include "model.h"
+#include "readers/gltf_buffers.h"
+#include "readers/model.h"
 
 #include <string_view>
 

@@ -1,15 +1,15 @@
-#include "model_file.h"
+#include "readers/model_file.h"
 
-#include "file_content.h"
-#include "gltf_container.h"
-#include "gltf_reader.h"
-#include "obj_reader.h"
-#include "printable_text.h"
-#include "program_error.h"
-#include "stl_reader.h"
+#include "readers/file_content.h"
+#include "readers/gltf_container.h"
+#include "readers/gltf_reader.h"
+#include "readers/obj_reader.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
+#include "readers/stl_reader.h"
 
 #ifdef TARN_WITH_ASSIMP
-#include "assimp_reader.h"
+#include "readers/assimp_reader.h"
 #endif
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gltf_document.h"
+#include "readers/gltf_document.h"
 
 #include <functional>
 #include <map>

@@ -1,8 +1,8 @@
-#include "assimp_reader.h"
+#include "readers/assimp_reader.h"
 
-#include "coordinate.h"
-#include "part_tree.h"
-#include "program_error.h"
+#include "readers/coordinate.h"
+#include "readers/part_tree.h"
+#include "readers/program_error.h"
 
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>

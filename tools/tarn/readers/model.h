@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mesh.h"
+#include "readers/mesh.h"
 
 #include "tarn/matrix.h"
 

@@ -1,8 +1,8 @@
-#include "gltf_buffers.h"
+#include "readers/gltf_buffers.h"
 
-#include "file_content.h"
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/file_content.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

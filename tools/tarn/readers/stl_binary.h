@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stl_reader.h"
+#include "readers/stl_reader.h"
 
 #include <string_view>
 

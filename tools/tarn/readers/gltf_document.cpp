@@ -1,7 +1,7 @@
-#include "gltf_document.h"
+#include "readers/gltf_document.h"
 
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
-#include "stl_reader.h"
+#include "readers/stl_reader.h"
 
-#include "program_error.h"
-#include "stl_binary.h"
-#include "stl_text.h"
+#include "readers/program_error.h"
+#include "readers/stl_binary.h"
+#include "readers/stl_text.h"
 
 namespace tarn::program {
 

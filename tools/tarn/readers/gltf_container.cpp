@@ -1,6 +1,6 @@
-#include "gltf_container.h"
+#include "readers/gltf_container.h"
 
-#include "program_error.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

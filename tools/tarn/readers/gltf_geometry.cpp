@@ -1,7 +1,7 @@
-#include "gltf_geometry.h"
+#include "readers/gltf_geometry.h"
 
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
-#include "part_tree.h"
+#include "readers/part_tree.h"
 
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

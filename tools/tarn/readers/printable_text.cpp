@@ -1,4 +1,4 @@
-#include "printable_text.h"
+#include "readers/printable_text.h"
 
 #include <fmt/format.h>
 

@@ -1,11 +1,11 @@
-#include "gltf_reader.h"
+#include "readers/gltf_reader.h"
 
-#include "gltf_container.h"
-#include "gltf_document.h"
-#include "gltf_geometry.h"
-#include "part_tree.h"
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/gltf_container.h"
+#include "readers/gltf_document.h"
+#include "readers/gltf_geometry.h"
+#include "readers/part_tree.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

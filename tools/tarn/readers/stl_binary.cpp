@@ -1,7 +1,7 @@
-#include "stl_binary.h"
+#include "readers/stl_binary.h"
 
-#include "coordinate.h"
-#include "program_error.h"
+#include "readers/coordinate.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
-#include "stl_text.h"
+#include "readers/stl_text.h"
 
-#include "coordinate.h"
-#include "printable_text.h"
-#include "program_error.h"
+#include "readers/coordinate.h"
+#include "readers/printable_text.h"
+#include "readers/program_error.h"
 
 #include <fmt/format.h>
 

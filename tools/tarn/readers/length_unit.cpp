@@ -1,4 +1,4 @@
-#include "length_unit.h"
+#include "readers/length_unit.h"
 
 #include <array>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "model.h"
+#include "readers/model.h"
 
 #include <fmt/format.h>
 
