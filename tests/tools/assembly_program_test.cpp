@@ -92,6 +92,50 @@ TEST_F(AssemblyProgram, CouplesAreChosenByOwnersAndPatterns) {
     EXPECT_EQ(Couples({"--ignore", "*", "plate*", "--ignore", "base", "*"}), ends_in_bolt);
     EXPECT_EQ(Couples({"--against", "base", "--ignore", "left", "base"}).size(), 2U);
     EXPECT_EQ(Couples({"--ignore", "left", "left", "--ignore", "right", "right"}), between);
+    const ProgramRun files_behind = RunTarn({"check", "--ignore", "nut", "*", robot_, robot_});
+    EXPECT_TRUE(Contains(files_behind.output, "10 bodies")) << "files behind the patterns are files";
+    EXPECT_EQ(Check({"--ignore", "[a,b]"}).status, 2) << "one pattern is not two";
+    EXPECT_EQ(Check({"--ignore", "", "x"}).status, 2);
+}
+
+TEST_F(AssemblyProgram, CouplesAreReportedInTheOrderOfThePartsWhateverTheChoice) {
+    const auto interferences = [this](std::vector<std::string> options) {
+        options.insert(options.end(), {"--format", "json"});
+        return Json::parse(Check(options).output).at("interferences");
+    };
+    // All couples of the five parts interfere, so the first four couples have the parts in their order.
+    const Json all = interferences({});
+    std::vector<Json> order{all[0]["first"]["name"]};
+    for (std::size_t i = 0; i < 4; ++i) order.push_back(all[i]["second"]["name"]);
+    const auto number = [&order](const Json& part) {
+        return std::ranges::find(order, part["name"]) - order.begin();
+    };
+    for (const std::vector<std::string>& choice :
+         std::vector<std::vector<std::string>>{{},
+                                               {"--against", "bolt"},
+                                               {"--ignore", "base", "base"},
+                                               {"--ignore", "*bolt", "*plate*"},
+                                               {"--between-owners"}}) {
+        std::vector<std::pair<std::ptrdiff_t, std::ptrdiff_t>> reported;
+        for (const Json& couple : interferences(choice)) {
+            reported.push_back(std::minmax({number(couple["first"]), number(couple["second"])}));
+        }
+        EXPECT_TRUE(std::ranges::is_sorted(reported));
+        EXPECT_GT(reported.size(), 2U);
+    }
+}
+
+TEST_F(AssemblyProgram, OutputsDestroyNoInputAndNotEachOther) {
+    const std::string before = ReadWholeFile(robot_);
+    const std::string same = (folder_ / "same").string();
+    for (const std::vector<std::string>& outputs : std::vector<std::vector<std::string>>{
+             {"--output", robot_}, {"--dump-stl", robot_}, {"--output", same, "--dump-stl", same}}) {
+        const ProgramRun run = Check(outputs);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_TRUE(Contains(run.errors, "is another of the files given")) << run.errors;
+    }
+    EXPECT_EQ(ReadWholeFile(robot_), before);
+    EXPECT_FALSE(std::filesystem::exists(same));
 }
 
 TEST_F(AssemblyProgram, PatternsThatMatchNothingAreSaid) {

@@ -4,6 +4,7 @@
 #include "console.h"
 #include "output_file.h"
 #include "readers/model_file.h"
+#include "readers/program_error.h"
 #include "report.h"
 #include "short_names.h"
 #include "size_warnings.h"
@@ -35,6 +36,7 @@ public:
     explicit CheckRun(const CheckOptions& options) : options_(options), console_(options.is_quiet) {}
 
     bool Run() {
+        RefuseOverwriting();
         report_.summary.loading_seconds = SecondsOf([this] { Load(); });
         LimitThreads([this] { BuildAndCheck(); });
         console_.ClearStatus();
@@ -44,6 +46,19 @@ public:
     }
 
 private:
+    /// An output must be neither an input nor the other output: all are lost then, or one.
+    void RefuseOverwriting() const {
+        std::vector<std::string> taken = options_.files;
+        for (const std::string& path : {options_.output_path, options_.dump_path}) {
+            if (path.empty()) continue;
+            const auto is_same = [&path](const std::string& other) { return IsSameFile(path, other); };
+            if (std::ranges::any_of(taken, is_same)) {
+                throw ProgramError(path + ": is to be written, but is another of the files given");
+            }
+            taken.push_back(path);
+        }
+    }
+
     void Load() {
         std::size_t number = 0;
         for (const std::string& path : options_.files) {
@@ -123,13 +138,11 @@ private:
     /// In the order of the parts, whatever order the choice of couples left them in.
     void CollectCouples() {
         const auto numbers = [](const tarn::CollisionPairResult& pair) {
-            return std::minmax(PartOf(*pair.First), PartOf(*pair.Second));
+            const std::size_t first = PartOf(*pair.First);
+            const std::size_t second = PartOf(*pair.Second);
+            return std::pair(std::min(first, second), std::max(first, second));
         };
-        std::ranges::stable_sort(result_.Pairs, [&](const auto& one, const auto& other) {
-            const auto [one_low, one_high] = numbers(one);
-            const auto [other_low, other_high] = numbers(other);
-            return std::pair(one_low, one_high) < std::pair(other_low, other_high);
-        });
+        std::ranges::stable_sort(result_.Pairs, {}, numbers);
         short_names_ = ShortNames(model_.parts);
         for (const tarn::CollisionPairResult& pair : result_.Pairs) {
             ReportedCouple couple{Reported(*pair.First), Reported(*pair.Second), {}};

@@ -116,6 +116,8 @@ void AddCoupleOptions(CLI::App& check, CoupleChoice& couples) {
     check
         .add_option("--ignore", couples.ignored,
                     "Leave out couples whose bodies these match, either way round; may be repeated")
+        ->allow_extra_args(false)  // what follows the two is no pattern but a file
+        ->check(CLI::Validator(RefuseEmpty, ""))
         ->type_name("PATTERN PATTERN");
 }
 
@@ -126,7 +128,7 @@ void AddCheckCommand(CLI::App& program, CheckOptions& options) {
         ->required()
         ->type_name("");
     AddChoice(check, "--unit", LengthUnitNames(),
-              "Unit of the coordinates in files that state none, which is all but glTF (default mm)",
+              "Unit of the coordinates in all files but glTF, which is in metres (default mm)",
               [&options](const std::string& name) { options.unit = ParseLengthUnit(name); });
     AddCoupleOptions(check, options.couples);
     AddChoice(

@@ -119,4 +119,13 @@ void WriteOutputFile(const fs::path& target, const std::function<void(std::ostre
     temporary.RenameTo(file, target);
 }
 
+bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+    std::error_code error;
+    if (std::filesystem::exists(one, error) && std::filesystem::exists(other, error)) {
+        return std::filesystem::is_regular_file(one, error) && std::filesystem::equivalent(one, other, error);
+    }
+    const auto resolved = std::filesystem::weakly_canonical(one, error);
+    return !error && resolved == std::filesystem::weakly_canonical(other, error) && !error;
+}
+
 }  // namespace tarn::program

@@ -5,6 +5,7 @@
 #include "readers/program_error.h"
 
 #include <assimp/Importer.hpp>
+#include <assimp/config.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
@@ -93,6 +94,10 @@ private:
 
 Model ReadWithAssimp(const std::string& path, double millimetres_per_unit) {
     Assimp::Importer importer;
+    // Coordinates as the file has them. Taken at its word about units and axes, the library would turn and scale some
+    // formats, and others, which also state a unit, not.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UNIT_SIZE, true);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, true);
     const aiScene* const scene = importer.ReadFile(path, aiProcess_Triangulate);
     if (scene == nullptr) throw FormatError(importer.GetErrorString());
     if (scene->mRootNode == nullptr) throw FormatError("holds no triangles");
