@@ -31,5 +31,23 @@ TEST(ShortNames, AreTheShortestEndingsThatNoOtherNameHas) {
                                                            "z", "folder/whole.stl"}));
 }
 
+TEST(ShortNames, OfNamesThatEndInASlashAreNeverEmpty) {
+    std::vector<Part> parts;
+    for (const char* const name : {"a/", "/", "//", "b/c", "x/c", "", "d!", "e/d!", "d"})
+        parts.push_back({name, 0, {0}, {}, false});
+    EXPECT_EQ(ShortNames(parts),
+              (std::vector<std::string>{"a/", "/", "//", "b/c", "x/c", "", "d!", "e/d!", "d"}));
+    EXPECT_EQ(ShortNames({{"a//", 0, {0}, {}, false}, {"a/", 0, {0}, {}, false}}),
+              (std::vector<std::string>{"/", "a/"}));
+}
+
+TEST(ShortNames, OfManyNamesFullOfSlashesAreFoundWithoutAnEntryForEach) {
+    std::string path;
+    for (int level = 0; level < 1300; ++level) path += "ab/";
+    std::vector<Part> parts;
+    for (int part = 0; part < 5000; ++part) parts.push_back({path + std::to_string(part), 0, {0}, {}, false});
+    EXPECT_EQ(ShortNames(parts).at(1234), "1234");
+}
+
 }  // namespace
 }  // namespace tarn::program

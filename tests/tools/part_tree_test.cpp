@@ -1,5 +1,7 @@
 #include "readers/part_tree.h"
 
+#include "readers/program_error.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -48,6 +50,21 @@ TEST(PartTree, PartsAboveTheOwnersAreTheirOwn) {
                                             {"chassis/axle/right/nut", "chassis/axle/right"}}));
     EXPECT_EQ(OwnersOf(nodes, {3}), (Owners{{"right", "right"}, {"right/nut", "right/nut"}}));
     EXPECT_EQ(OwnersOf({Node("empty", {})}, {0}), Owners{});
+}
+
+TEST(PartTree, PathsThatAreTooLongTogetherAreRefused) {
+    std::vector<TreeNode> nodes = {Node(std::string(4000, 'p'), {})};
+    for (std::size_t child = 1; child <= 70'000; ++child) {
+        nodes[0].children.push_back(child);
+        nodes.push_back(Node("", {}, true));
+    }
+    Model model;
+    try {
+        AddParts(model, nodes, {0});
+        ADD_FAILURE() << "280 MB of paths are accepted";
+    } catch (const FormatError& error) {
+        EXPECT_STREQ(error.what(), "the paths of its parts have more than 268435456 bytes together");
+    }
 }
 
 }  // namespace

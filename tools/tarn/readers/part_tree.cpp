@@ -18,6 +18,8 @@ namespace {
 /// to do harm cannot multiply its size by its names.
 constexpr std::size_t kDeepestLevel = 256;
 constexpr std::size_t kLongestPath = 4096;
+/// Bytes in the paths of all parts and owners together at most.
+constexpr std::size_t kLongestPaths = 256U << 20U;
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
@@ -60,14 +62,24 @@ public:
     }
 
     void AddTo(Model& model) const {
+        std::size_t total_length = 0;
+        const auto path_of = [&](std::size_t index) {
+            std::string path = PathOf(index);
+            total_length += path.size();
+            if (total_length > kLongestPaths) {
+                throw FormatError(
+                    fmt::format("the paths of its parts have more than {} bytes together", kLongestPaths));
+            }
+            return path;
+        };
         std::map<std::size_t, std::size_t> owner_numbers;  // of visits
         for (std::size_t index = 0; index < visits_.size(); ++index) {
             const Visit& visit = visits_[index];
             if (nodes_[visit.node].meshes.empty()) continue;
             const auto [number, is_new] = owner_numbers.try_emplace(visit.owner, model.owners.size());
-            if (is_new) model.owners.push_back(PathOf(visit.owner));
+            if (is_new) model.owners.push_back(path_of(visit.owner));
             model.parts.push_back(
-                {PathOf(index), number->second, nodes_[visit.node].meshes, visit.placement});
+                {path_of(index), number->second, nodes_[visit.node].meshes, visit.placement});
         }
     }
 

@@ -25,7 +25,7 @@ struct TreeNode {
 ///  (3) Nodes count as children only if they lead to a mesh. Going down from the roots, the first level with
 ///      more than one child is that of the owners; a part on the way there is its own owner.
 ///  (4) The walk is bounded whatever the file says: a node that is reached twice, so every circle, too deep a
-///      tree and too long a path are refused.
+///      tree, too long a path and too long paths together are refused.
 /// Throws `FormatError`, naming the node by its number from 0, also for a placement that is not finite.
 void AddParts(Model& model, const std::vector<TreeNode>& nodes, const std::vector<std::size_t>& roots);
 
