@@ -188,7 +188,7 @@ TEST(GltfReader, ContradictionsAreRefusedWithTheirPlace) {
         {"/buffers/0/byteLength", 61, "buffers[0]: 61 bytes are promised, there are 60"},
         {"/buffers/0/uri", "more.bin", "buffers[0]: asked for 'more.bin'"},
         {"/buffers/0/uri", "a%20b%2", "buffers[0]: asked for 'a b%2'"},
-        {"/buffers/0/uri", "data:image/svg;base64,AAAA", "buffers[0]: its data cannot be decoded"},
+        {"/buffers/0/uri", "data:image/svg,AAAA", "buffers[0]: its data cannot be decoded"},
         {"/buffers/0/uri", "data:application/octet-stream;base64,AAAA", "60 bytes are promised, there are 3"},
     };
     for (const auto& [pointer, value, expected] : cases) {
@@ -266,6 +266,38 @@ TEST(GltfReader, DamagedBytesGiveFiniteTrianglesOrAnError) {
     }
     EXPECT_GT(read_count, kIterations / 50);
     EXPECT_LT(read_count, kIterations);
+}
+
+TEST(GltfReader, NestingIsCountedOutsideOfTextsAlone) {
+    Json deep = Json::array();
+    for (int level = 0; level < 96; ++level) deep = Json::array({std::move(deep)});
+    Json gltf = Changed("/extras", {{"\\\"[", {deep, deep}}, {"text", std::string(200, '{') + "\\"}});
+    EXPECT_EQ(ErrorOf(Glb(gltf, SampleBuffer())), "");
+    gltf["extras"]["deeper"] = Json::array({Json::array({deep})});
+    EXPECT_EQ(ErrorOf(Glb(gltf, SampleBuffer())), "its JSON is nested too deep");
+}
+
+TEST(GltfReader, ManyNodesAreReadInTimeThatGrowsWithTheirNumber) {
+    Json gltf = SampleGltf();
+    for (int node = 0; node < 200'000; ++node) gltf["nodes"].push_back(Json::object());
+    EXPECT_EQ(Read(Glb(gltf, SampleBuffer())).parts.size(), 2U);
+}
+
+TEST(GltfReader, AnEmptyFileIsSaidToBeEmpty) {
+    EXPECT_EQ(ErrorOf(""), "is empty, holds no triangles");
+}
+
+TEST(GltfBuffers, DataInAddressesMayHaveAnyMediaType) {
+    const std::string known = "application/octet-stream";
+    const std::string text = TextGltf(SampleGltf(), SampleBuffer());
+    const auto with_type = [&](const std::string& type) {
+        return std::string(text).replace(text.find(known), known.size(), type);
+    };
+    for (const char* const type : {"", "model/x-buffer", "text/plain;charset=utf-8"})
+        EXPECT_EQ(ErrorOf(with_type(type)), "") << type;
+    const std::string not_decoded = "buffers[0]: its data cannot be decoded";
+    EXPECT_EQ(ErrorOf(Changed("/buffers/0/uri", "data:application/octet-stream,abc").dump()), not_decoded);
+    EXPECT_EQ(ErrorOf(Changed("/buffers/0/uri", "data:;base64").dump()), not_decoded);
 }
 
 TEST(GltfBuffers, FilesAreReadBelowTheFolderAlone) {

@@ -32,10 +32,15 @@ std::string PercentDecoded(std::string_view text) {
     return decoded;
 }
 
+/// The library knows but some media types, so it is given one of those instead of the file's.
 std::string DecodedData(const std::string& uri) {
+    const std::size_t comma = uri.find(',');
+    const bool is_base64 = comma != std::string::npos && uri.substr(0, comma).ends_with(";base64");
     std::vector<unsigned char> data;
     std::string kind;
-    if (!tinygltf::DecodeDataURI(&data, kind, uri, 0, false)) {
+    if (!is_base64 ||
+        !tinygltf::DecodeDataURI(&data, kind, "data:application/octet-stream;base64" + uri.substr(comma), 0,
+                                 false)) {
         throw FormatError("its data cannot be decoded");
     }
     return {data.begin(), data.end()};

@@ -167,6 +167,7 @@ private:
 }  // namespace
 
 Model ReadGltf(std::string_view bytes, const LoadNeighbour& load_neighbour) {
+    if (bytes.empty()) throw FormatError("is empty, holds no triangles");
     const GltfContainer container = SplitGltf(bytes);
     const GltfDocument document = ParseGltfDocument(container.json);
     const GltfBuffers buffers(document.buffers, container.binary, load_neighbour);
