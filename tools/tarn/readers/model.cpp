@@ -1,5 +1,7 @@
 #include "readers/model.h"
 
+#include "readers/program_error.h"
+
 #include <fmt/format.h>
 
 #include <iterator>
@@ -7,6 +9,17 @@
 #include <utility>
 
 namespace tarn::program {
+
+void RefuseTooManyTriangles(const Model& model, const std::string& source) {
+    std::uint64_t count = 0;
+    for (const Part& part : model.parts) {
+        for (const std::size_t mesh : part.meshes) count += model.meshes[mesh].triangles.size();
+    }
+    if (count <= kMostPlacedTriangles) return;
+    throw ProgramError(
+        fmt::format("{}: {} parts have {} triangles together, more than the {} that are checked", source,
+                    model.parts.size(), count, kMostPlacedTriangles));
+}
 
 Model SinglePartModel(Mesh mesh) {
     Model model;
@@ -47,6 +60,7 @@ void Append(Model& model, Model&& other) {
     move_all(other.parts, model.parts);
     move_all(other.owners, model.owners);
     move_all(other.warnings, model.warnings);
+    RefuseTooManyTriangles(model, "all files together");
 }
 
 void MakeUnique(const std::vector<std::string*>& names) {

@@ -5,6 +5,7 @@
 #include "tarn/matrix.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,15 @@ struct Model {
     std::vector<std::string> warnings;  ///< what was odd and yet accepted, one sentence each
 };
 
+/// Triangles that the parts of a model may have together, each mesh counted as often as it is placed. The
+/// engine keeps something for each of them, so a small file that places one mesh very often could ask for any
+/// amount of memory.
+inline constexpr std::uint64_t kMostPlacedTriangles = 200'000'000;
+
+/// Throws `ProgramError`, which begins with `source`, for a model whose parts have more triangles than
+/// `kMostPlacedTriangles` together.
+void RefuseTooManyTriangles(const Model& model, const std::string& source);
+
 /// A model of one part that is the whole file.
 Model SinglePartModel(Mesh mesh);
 
@@ -37,7 +47,8 @@ void NameAlone(Model& model, const std::string& file);
 /// The same for a file that is checked beside others: names begin with the file's, which is the one owner.
 void NameBesideOthers(Model& model, const std::string& file);
 
-/// Adds the meshes, parts and owners of another model.
+/// Adds the meshes, parts and owners of another model. Throws as `RefuseTooManyTriangles` does, for both
+/// together.
 void Append(Model& model, Model&& other);
 
 /// Gives names that occur more than once a number from the second on, " (2)" and so on, so that every name is

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <utility>
 
 namespace tarn::program {
@@ -73,9 +74,13 @@ Model ReadAnyModel(const std::string& path, double millimetres_per_unit) {
 
 Model ReadModelFile(const std::string& path, LengthUnit unit) {
     try {
-        return ReadAnyModel(path, MillimetresPer(unit));
+        Model model = ReadAnyModel(path, MillimetresPer(unit));
+        RefuseTooManyTriangles(model, path);
+        return model;
     } catch (const FormatError& error) {
         throw ProgramError(path + ": " + error.what());
+    } catch (const std::bad_alloc&) {
+        throw ProgramError(path + ": out of memory");
     }
 }
 
