@@ -13,7 +13,6 @@ public:
     explicit NamePattern(std::string text) : text_(std::move(text)) {}
 
     bool Matches(std::string_view name) const;
-    const std::string& text() const { return text_; }
 
 private:
     std::string text_;

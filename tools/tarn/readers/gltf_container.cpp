@@ -1,5 +1,6 @@
 #include "readers/gltf_container.h"
 
+#include "readers/little_endian.h"
 #include "readers/program_error.h"
 
 #include <fmt/format.h>
@@ -16,15 +17,6 @@ constexpr std::size_t kChunkHeaderSize = 8;  // length of the data, kind
 constexpr std::uint32_t kVersion = 2;
 constexpr std::uint32_t kJsonKind = 0x4e4f534a;    // "JSON"
 constexpr std::uint32_t kBinaryKind = 0x004e4942;  // "BIN"
-
-/// Little-endian in the file, whatever this machine is.
-std::uint32_t WordAt(std::string_view bytes, std::size_t offset) {
-    std::uint32_t word = 0;
-    for (std::size_t index = sizeof word; index-- > 0;) {
-        word = (word << 8U) | static_cast<unsigned char>(bytes[offset + index]);
-    }
-    return word;
-}
 
 }  // namespace
 

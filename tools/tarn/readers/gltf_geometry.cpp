@@ -1,5 +1,6 @@
 #include "readers/gltf_geometry.h"
 
+#include "readers/little_endian.h"
 #include "readers/printable_text.h"
 #include "readers/program_error.h"
 
@@ -13,8 +14,6 @@
 
 namespace tarn::program {
 namespace {
-
-constexpr double kMillimetresPerMetre = 1000;  // the format's lengths are metres
 
 /// Triangles that the meshes of a file may hold together beyond its bytes. An honest triangle takes a byte at
 /// least, but meshes that differ in colour alone share theirs, so there is room for that.
@@ -39,15 +38,6 @@ std::size_t ComponentSize(int component_type) {
         default:
             return 4;
     }
-}
-
-/// Little-endian in the file, whatever this machine is.
-std::uint32_t UnsignedAt(std::string_view bytes, std::size_t offset, std::size_t size) {
-    std::uint32_t value = 0;
-    for (std::size_t index = size; index-- > 0;) {
-        value = (value << 8U) | static_cast<unsigned char>(bytes[offset + index]);
-    }
-    return value;
 }
 
 /// The part of its buffer that a view shows.

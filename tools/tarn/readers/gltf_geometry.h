@@ -11,6 +11,9 @@
 
 namespace tarn::program {
 
+/// The format's lengths are metres.
+inline constexpr double kMillimetresPerMetre = 1000;
+
 /// Reads the triangles of a file's meshes.
 class GltfGeometry final {
 public:

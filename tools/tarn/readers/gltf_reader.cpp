@@ -18,8 +18,6 @@
 namespace tarn::program {
 namespace {
 
-constexpr double kMillimetresPerMetre = 1000;
-
 /// The rotation of a quaternion x y z w of length 1, in rows.
 std::array<double, 9> RotationOf(const std::vector<double>& quaternion) {
     // Three digits are the fewest that a file is trusted to mean a rotation by.

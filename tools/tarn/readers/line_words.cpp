@@ -1,13 +1,9 @@
 #include "readers/line_words.h"
 
+#include "readers/text_characters.h"
+
 namespace tarn::program {
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool IsLineEnd(char character) {
-    return character == '\n' || character == '\r';
-}
 
 bool IsSpace(char character) {
     return character == ' ' || character == '\t' || character == '\v' || character == '\f';

@@ -7,6 +7,7 @@
 #include "readers/printable_text.h"
 #include "readers/program_error.h"
 #include "readers/stl_reader.h"
+#include "readers/text_characters.h"
 
 #ifdef TARN_WITH_ASSIMP
 #include "readers/assimp_reader.h"
@@ -22,13 +23,10 @@
 namespace tarn::program {
 namespace {
 
-/// In lower case, with its dot. ASCII only, so that no locale plays a part.
+/// In lower case, with its dot.
 std::string EndingOf(const std::string& path) {
     std::string ending = std::filesystem::path(path).extension().string();
-    std::ranges::transform(ending, ending.begin(), [](char character) {
-        const bool is_upper = character >= 'A' && character <= 'Z';
-        return is_upper ? static_cast<char>(character - 'A' + 'a') : character;
-    });
+    std::ranges::transform(ending, ending.begin(), InLowerCase);
     return ending;
 }
 

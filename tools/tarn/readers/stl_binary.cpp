@@ -1,6 +1,7 @@
 #include "readers/stl_binary.h"
 
 #include "readers/coordinate.h"
+#include "readers/little_endian.h"
 #include "readers/program_error.h"
 
 #include <fmt/format.h>
@@ -21,15 +22,6 @@ constexpr std::size_t kFacetSize = kNormalSize + 9 * sizeof(float) + sizeof(std:
 
 static_assert(sizeof(float) == 4 && std::numeric_limits<float>::is_iec559,
               "the format's numbers are IEEE singles");
-
-/// Little-endian in the file, whatever this machine is.
-std::uint32_t WordAt(std::string_view bytes, std::size_t offset) {
-    std::uint32_t word = 0;
-    for (std::size_t index = sizeof word; index-- > 0;) {
-        word = (word << 8U) | static_cast<unsigned char>(bytes[offset + index]);
-    }
-    return word;
-}
 
 tarn::TriangleData FacetAt(std::string_view bytes, std::size_t offset, double millimetres_per_unit) {
     std::array<double, 9> c{};

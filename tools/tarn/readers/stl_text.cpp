@@ -3,6 +3,7 @@
 #include "readers/coordinate.h"
 #include "readers/printable_text.h"
 #include "readers/program_error.h"
+#include "readers/text_characters.h"
 
 #include <fmt/format.h>
 
@@ -13,23 +14,14 @@
 namespace tarn::program {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool IsLineEnd(char character) {
-    return character == '\n' || character == '\r';
-}
-
 bool IsBlank(char character) {
     return character == ' ' || character == '\t' || character == '\v' || character == '\f' ||
            IsLineEnd(character);
 }
 
-/// Whether a word is the keyword, which is given in lower case. ASCII only, so that no locale plays a part.
+/// Whether a word is the keyword, which is given in lower case.
 bool IsKeyword(std::string_view word, std::string_view keyword) {
-    return std::ranges::equal(word, keyword, [](char character, char expected) {
-        const bool is_upper = character >= 'A' && character <= 'Z';
-        return (is_upper ? static_cast<char>(character - 'A' + 'a') : character) == expected;
-    });
+    return std::ranges::equal(word, keyword, {}, InLowerCase);
 }
 
 /// Walks through the words of a text and knows the line of the latest one. Lines end with LF, CR LF or CR.
