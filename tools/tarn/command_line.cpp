@@ -128,7 +128,8 @@ void AddCheckCommand(CLI::App& program, CheckOptions& options) {
         ->required()
         ->type_name("");
     AddChoice(check, "--unit", LengthUnitNames(),
-              "Unit of the coordinates in all files but glTF, which is in metres (default mm)",
+              "Unit of the coordinates in files that state none, or whose word is not read; not glTF, not "
+              "DAE (default mm)",
               [&options](const std::string& name) { options.unit = ParseLengthUnit(name); });
     AddCoupleOptions(check, options.couples);
     AddChoice(

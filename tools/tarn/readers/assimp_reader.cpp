@@ -94,9 +94,7 @@ private:
 
 Model ReadWithAssimp(const std::string& path, double millimetres_per_unit) {
     Assimp::Importer importer;
-    // Coordinates as the file has them. Taken at its word about units and axes, the library would turn and scale some
-    // formats, and others, which also state a unit, not.
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UNIT_SIZE, true);
+    // Axes as the file has them: results are to be found again in it.
     importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, true);
     const aiScene* const scene = importer.ReadFile(path, aiProcess_Triangulate);
     if (scene == nullptr) throw FormatError(importer.GetErrorString());

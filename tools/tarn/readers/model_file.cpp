@@ -48,7 +48,11 @@ Model ReadOther([[maybe_unused]] const std::string& path,
 #ifdef TARN_WITH_ASSIMP
     // Read once to meet what is missing or a folder with our own words; the library opens the file again,
     // because some formats name others beside them.
-    if (!ReadWholeFile(path).empty()) return ReadWithAssimp(path, millimetres_per_unit);
+    if (!ReadWholeFile(path).empty()) {
+        // DAE files state their unit, and the library has turned it into metres.
+        const bool is_in_metres = ending == ".dae";
+        return ReadWithAssimp(path, is_in_metres ? MillimetresPer(LengthUnit::Metre) : millimetres_per_unit);
+    }
     throw FormatError("is empty, holds no triangles");
 #else
     throw FormatError(
