@@ -1,5 +1,6 @@
 #include "readers/gltf_reader.h"
 
+#include "format_error_of.h"
 #include "gltf_samples.h"
 #include "readers/program_error.h"
 #include "stl_samples.h"
@@ -26,12 +27,7 @@ Model Read(std::string_view bytes, const LoadNeighbour& load_neighbour = NoNeigh
 }
 
 std::string ErrorOf(std::string_view bytes) {
-    try {
-        Read(bytes);
-    } catch (const FormatError& error) {
-        return error.what();
-    }
-    return {};
+    return FormatErrorOf([bytes] { Read(bytes); });
 }
 
 /// The sample with one value changed, or erased where it is null.

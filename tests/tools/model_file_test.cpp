@@ -55,10 +55,7 @@ TEST(ModelFile, AFileThatPlacesAMeshTooOftenIsNamed) {
 }
 
 TEST(ModelFile, AFileThatMemoryDoesNotSufficeForIsNamed) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer itself needs more than the limit";
-#endif
-#ifdef __SANITIZE_THREAD__
+#ifdef TARN_IS_SANITIZED
     GTEST_SKIP() << "the sanitizer itself needs more than the limit";
 #endif
     const TemporaryFolder folder;

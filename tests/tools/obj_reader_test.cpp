@@ -1,7 +1,7 @@
 #include "readers/obj_reader.h"
 
+#include "format_error_of.h"
 #include "obj_samples.h"
-#include "readers/program_error.h"
 #include "stl_samples.h"
 
 #include <gtest/gtest.h>
@@ -20,12 +20,7 @@ Model Read(std::string_view bytes, double millimetres_per_unit = 1) {
 }
 
 std::string ErrorOf(std::string_view bytes) {
-    try {
-        Read(bytes);
-    } catch (const FormatError& error) {
-        return error.what();
-    }
-    return {};
+    return FormatErrorOf([bytes] { Read(bytes); });
 }
 
 /// The one mesh of a file that is one part.

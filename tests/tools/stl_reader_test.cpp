@@ -1,6 +1,6 @@
 #include "readers/stl_reader.h"
 
-#include "readers/program_error.h"
+#include "format_error_of.h"
 #include "stl_samples.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +22,7 @@ StlContent Read(std::string_view bytes, double millimetres_per_unit = 1) {
 
 /// The error of a file that must be refused, or an empty text.
 std::string ErrorOf(std::string_view bytes, double millimetres_per_unit = 1) {
-    try {
-        Read(bytes, millimetres_per_unit);
-    } catch (const FormatError& error) {
-        return error.what();
-    }
-    return {};
+    return FormatErrorOf([=] { Read(bytes, millimetres_per_unit); });
 }
 
 /// A facet whose second vertex, on line 5, has this word as its first coordinate.
