@@ -105,13 +105,23 @@ private:
             console_.ShowStatus(
                 fmt::format("building {} of {}", assembly_.body_count() + 1, model_.parts.size()));
             const std::uint64_t kept_count = assembly_.AddPart(part);
-            const std::uint64_t count = warnings.Look(part, model_.meshes, kept_count);
+            const std::uint64_t count = Look(warnings, part, kept_count);
             report_.summary.kept_triangle_count += kept_count;
             report_.summary.dropped_triangle_count += count - kept_count;
         }
         for (const auto& [part, warning] : warnings.Summed()) console_.Warn(part, warning);
         model_.meshes = {};  // the engine has its own copies; large assemblies need the memory
         ChooseCouples();
+    }
+
+    /// The name of a part of several files begins with its file's, that of a single file's part does not.
+    std::uint64_t Look(SizeWarnings& warnings, const Part& part, std::uint64_t kept_count) const {
+        try {
+            return warnings.Look(part, model_.meshes, kept_count);
+        } catch (const FormatError& error) {
+            const bool is_named = options_.files.size() > 1 || part.name == options_.files.front();
+            throw ProgramError(is_named ? error.what() : options_.files.front() + ": " + error.what());
+        }
     }
 
     void ChooseCouples() {

@@ -12,10 +12,10 @@ namespace tarn::program {
 /// crossings.
 inline constexpr double kSmallestTrustedMedianEdge = 0.2;
 
-/// Above this product of the longest edge, squared, and the largest coordinate, in cubic millimetres, rounding
-/// noise can make coplanar faces that are apart seem to cross: the noise of a signed value is about the unit
-/// roundoff, 1.1e-16, times this product, and the test's tolerance corresponds to 1e-6. Measured on pairs of
-/// coplanar plates, turned at random: none of 2,000 at 3e9, 6 at 1.2e10, some 100 at 5e10.
+/// Above this product of the longest edge, squared, and the largest coordinate, in cubic millimetres,
+/// rounding noise can make coplanar faces that are apart seem to cross: the noise of a signed value is about
+/// the unit roundoff, 1.1e-16, times this product, and the test's tolerance corresponds to 1e-6. Measured on
+/// pairs of coplanar plates, turned at random: none of 2,000 at 3e9, 6 at 1.2e10, some 100 at 5e10.
 inline constexpr double kLargestTrustedEdgeSquaredTimesReach = 1e10;
 
 /// Measures of one part where it stands, in millimetres.

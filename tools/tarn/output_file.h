@@ -14,8 +14,8 @@ namespace tarn::program {
 /// as it is. In both cases an older file is as it was and no temporary file is left.
 void WriteOutputFile(const std::filesystem::path& target, const std::function<void(std::ostream&)>& write);
 
-/// Whether writing to one path changes what is behind the other: the same regular file, whatever the names and links, or
-/// the same name of a file that is not there yet.
+/// Whether writing to one path changes what is behind the other: the same regular file, whatever the names
+/// and links, or the same name of a file that is not there yet.
 bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 
 }  // namespace tarn::program

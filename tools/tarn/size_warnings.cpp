@@ -18,7 +18,7 @@ std::uint64_t SizeWarnings::Look(const Part& part,
     }
     const PartSize size = MeasurePart(placed);
     if (!std::isfinite(size.reach)) {
-        throw ProgramError(fmt::format("{}: its placement takes it beyond all numbers", part.name));
+        throw FormatError(fmt::format("{}: its placement takes it beyond all numbers", part.name));
     }
     const SizeDoubt doubt = DoubtOf(size);
     if (kept_count == 0) {

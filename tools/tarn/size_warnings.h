@@ -18,7 +18,7 @@ namespace tarn::program {
 class SizeWarnings final {
 public:
     /// Measures a part and returns how many triangles its meshes have; `kept_count` of them the engine kept.
-    /// Throws `ProgramError` for a part whose placement takes it beyond what a double holds.
+    /// Throws `FormatError`, naming the part, where the placement takes it beyond what a double holds.
     std::uint64_t Look(const Part& part, const std::vector<Mesh>& meshes, std::uint64_t kept_count);
 
     /// Of each kind of doubt the first part's name and the warning, which counts the others.
