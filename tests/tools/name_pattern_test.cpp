@@ -45,6 +45,7 @@ TEST(ShortNames, OfManyNamesFullOfSlashesAreFoundWithoutAnEntryForEach) {
     std::string path;
     for (int level = 0; level < 1300; ++level) path += "ab/";
     std::vector<Part> parts;
+    parts.reserve(5000);
     for (int part = 0; part < 5000; ++part) parts.push_back({path + std::to_string(part), 0, {0}, {}, false});
     EXPECT_EQ(ShortNames(parts).at(1234), "1234");
 }
