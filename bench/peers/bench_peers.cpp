@@ -16,10 +16,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>

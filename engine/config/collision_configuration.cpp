@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 
 using tarn::BadCastException;
 using tarn::CollisionPair;
@@ -293,7 +294,7 @@ ICollisionConfiguration* CollisionConfiguration::Clone() const {
 void CollisionConfiguration::Append(const CollisionConfiguration& other) {
     couples_.ReserveMore(other.couples_.size());
     registry_.Append(other.registry_);
-    for (const KeyBodyPair& couple : other.couples_) couples_.Insert(couple);
+    couples_.InsertAll(std::span(other.couples_.begin(), other.couples_.end()));
 }
 
 void CollisionConfiguration::MergeConfiguration(ICollisionConfiguration* other,
