@@ -1,6 +1,7 @@
 #include "tarn/factory.h"
 
 #include "config/collision_configuration.h"
+#include "config/proximity_configuration.h"
 #include "core/collision_body.h"
 #include "core/collision_element.h"
 
@@ -27,6 +28,10 @@ ICollisionConfiguration* make_configuration() {
     return make_unique_configuration().release();
 }
 
+IProximityConfiguration* make_proximity_configuration() {
+    return make_unique_proximity_configuration().release();
+}
+
 std::unique_ptr<ICollisionElement> make_unique_element(const std::string& name,
                                                        const std::vector<TriangleData>& triangles) {
     return std::make_unique<CollisionElement>(name, triangles);
@@ -40,6 +45,10 @@ std::unique_ptr<ICollisionBody> make_unique_body(std::uint32_t id,
 
 std::unique_ptr<ICollisionConfiguration> make_unique_configuration() {
     return std::make_unique<CollisionConfiguration>();
+}
+
+std::unique_ptr<IProximityConfiguration> make_unique_proximity_configuration() {
+    return std::make_unique<ProximityConfiguration>();
 }
 
 std::shared_ptr<ICollisionElement> make_shared_element(const std::string& name,
@@ -64,6 +73,10 @@ std::shared_ptr<ICollisionBody> make_shared_body(ICollisionElement* element,
 
 std::shared_ptr<ICollisionConfiguration> make_shared_configuration() {
     return std::make_shared<CollisionConfiguration>();
+}
+
+std::shared_ptr<IProximityConfiguration> make_shared_proximity_configuration() {
+    return std::make_shared<ProximityConfiguration>();
 }
 
 }  // namespace tarn

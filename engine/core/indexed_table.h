@@ -51,12 +51,18 @@ public:
             if (Contains(key)) return false;
             ReserveMore(1);
         }
-        return InsertHashed(std::move(entry), Fnv1a(key));
+        return !FindOrAppend(std::move(entry), Fnv1a(key));
     }
 
-    /// Inserts entries one after the other. In a large table each insertion waits for memory; here they wait
+    struct KeepPresent {
+        void operator()(Entry& /*present*/, const Entry& /*entry*/) const {}
+    };
+
+    /// Inserts entries, for which there must be room, one after the other; calls `on_present(present, entry)`
+    /// where the key is there already. In a large table each insertion waits for memory; here they wait
     /// together, which is more than twice as fast at fifty million entries.
-    void InsertAll(std::span<const Entry> entries) {
+    template <typename OnPresent = KeepPresent>
+    void InsertAll(std::span<const Entry> entries, OnPresent on_present = {}) {
         std::array<std::uint64_t, kBatch> hashes;
         for (; !entries.empty(); entries = entries.subspan(std::min(kBatch, entries.size()))) {
             const std::size_t count = std::min(kBatch, entries.size());
@@ -64,7 +70,9 @@ public:
                 hashes[i] = Fnv1a(KeyOf()(entries[i]));
                 Prefetch(&slots_[Home(hashes[i])]);
             }
-            for (std::size_t i = 0; i < count; ++i) InsertHashed(entries[i], hashes[i]);
+            for (std::size_t i = 0; i < count; ++i) {
+                if (Entry* present = FindOrAppend(entries[i], hashes[i])) on_present(*present, entries[i]);
+            }
         }
     }
 
@@ -150,17 +158,18 @@ private:
     std::size_t Next(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
     std::uint64_t KeyAt(std::size_t slot) const { return KeyOf()(entries_[slots_[slot].position]); }
 
-    /// Appends an entry for which there is room, unless its key is there already.
-    bool InsertHashed(Entry entry, std::uint64_t hash) {
+    /// Appends an entry for which there is room, unless its key is there already: then returns who has it.
+    Entry* FindOrAppend(Entry entry, std::uint64_t hash) {
         const std::uint64_t key = KeyOf()(entry);
         std::size_t slot = Home(hash);
         for (; slots_[slot].position != kFree; slot = Next(slot)) {
-            if (slots_[slot].fingerprint == Fingerprint(hash) && KeyAt(slot) == key) return false;
+            if (slots_[slot].fingerprint == Fingerprint(hash) && KeyAt(slot) == key)
+                return &entries_[slots_[slot].position];
         }
         assert(HasRoomFor(1));
         slots_[slot] = {static_cast<std::uint32_t>(entries_.size()), Fingerprint(hash)};
         entries_.push_back(std::move(entry));
-        return true;
+        return nullptr;
     }
 
     std::size_t FindSlot(std::uint64_t key) const {

@@ -1,22 +1,14 @@
 #pragma once
 
+#include "tarn/check_policy.h"
 #include "tarn/collision_configuration.h"
 #include "tarn/collision_result.h"
 #include "tarn/dump_type.h"
 #include "tarn/export.h"
 
-#include <cstdint>
 #include <iosfwd>
 
 namespace tarn {
-
-/// What a check collects, and whether it ends at the first interfering couple.
-enum class CheckPolicy : std::int32_t {
-    FirstInterferenceStop = 0,               ///< at most one couple, any of those that interfere
-    FirstInterferenceStopWithTriangles = 1,  ///< the same with one pair of intersecting triangles
-    AllInterferences = 2,                    ///< every interfering couple
-    AllInterferencesWithTriangles = 3,       ///< the same with one pair of intersecting triangles each
-};
 
 /// The interference checker. It has no state: one detector serves any number of configurations, and two are
 /// interchangeable. Made by `make_detector`.

@@ -5,6 +5,8 @@
 #include "tarn/collision_detector.h"
 #include "tarn/collision_element.h"
 #include "tarn/export.h"
+#include "tarn/proximity_configuration.h"
+#include "tarn/proximity_detector.h"
 #include "tarn/triangle_data.h"
 
 #include <cstdint>
@@ -31,6 +33,9 @@ namespace tarn {
 /// A configuration without bodies.
 [[nodiscard]] TARN_API ICollisionConfiguration* make_configuration();
 [[nodiscard]] TARN_API ICollisionDetector* make_detector();
+/// A proximity configuration without bodies.
+[[nodiscard]] TARN_API IProximityConfiguration* make_proximity_configuration();
+[[nodiscard]] TARN_API IProximityDetector* make_proximity_detector();
 
 /// Sole ownership.
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionElement> make_unique_element(
@@ -40,6 +45,8 @@ namespace tarn {
                                                                         const std::string& name);
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionConfiguration> make_unique_configuration();
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionDetector> make_unique_detector();
+[[nodiscard]] TARN_API std::unique_ptr<IProximityConfiguration> make_unique_proximity_configuration();
+[[nodiscard]] TARN_API std::unique_ptr<IProximityDetector> make_unique_proximity_detector();
 
 /// Shared ownership, counter and object in one allocation.
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionElement> make_shared_element(
@@ -53,5 +60,6 @@ namespace tarn {
                                                                         std::uint32_t id,
                                                                         std::uint64_t owner);
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionConfiguration> make_shared_configuration();
+[[nodiscard]] TARN_API std::shared_ptr<IProximityConfiguration> make_shared_proximity_configuration();
 
 }  // namespace tarn

@@ -3,6 +3,7 @@
 /// \file
 /// All public headers of the engine.
 
+#include "tarn/check_policy.h"
 #include "tarn/collision_body.h"
 #include "tarn/collision_configuration.h"
 #include "tarn/collision_detector.h"
@@ -13,6 +14,11 @@
 #include "tarn/export.h"
 #include "tarn/factory.h"
 #include "tarn/matrix.h"
+#include "tarn/proximity_configuration.h"
+#include "tarn/proximity_detector.h"
+#include "tarn/proximity_outcome.h"
+#include "tarn/proximity_result.h"
+#include "tarn/proximity_setting.h"
 #include "tarn/thread_limit.h"
 #include "tarn/triangle_data.h"
 #include "tarn/triangle_segments.h"

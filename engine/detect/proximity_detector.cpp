@@ -1,0 +1,79 @@
+#include "detect/proximity_detector.h"
+
+#include "config/proximity_body_pair.h"
+#include "core/collision_body.h"
+#include "detect/check_preparation.h"
+#include "detect/configuration_dump.h"
+#include "detect/couple_loop.h"
+#include "detect/proximity_search.h"
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace tarn::details {
+
+namespace {
+
+/// Touching couples are not reported.
+bool IsReported(const ProximityOutcome& outcome) {
+    return outcome.state == ProximityState::Intersecting || outcome.state == ProximityState::WithinClearance;
+}
+
+/// Measures all couples, or until the first one to be reported.
+std::vector<CoupleHit<ProximityFinding>> CheckCouples(const ProximityCoupleTable& couples,
+                                                      bool stops_at_first_hit) {
+    return FindInCouples<ProximityFinding>(
+        couples, stops_at_first_hit, [](const ProximityKeyBodyPair& couple) {
+            const ProximityFinding finding = SearchProximity(
+                *couple.First()->Hierarchy(), *couple.Second()->Hierarchy(), couple.Clearance());
+            return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
+        });
+}
+
+ProximityPairResult PairResultOf(const ProximityKeyBodyPair& couple,
+                                 const ProximityFinding& finding,
+                                 bool records_triangles) {
+    ProximityPairResult result;
+    result.First = couple.First();
+    result.Second = couple.Second();
+    result.Clearance = couple.Clearance();
+    result.IntersectionFound = finding.outcome.state == ProximityState::Intersecting;
+    if (result.IntersectionFound) return result;
+    result.distance = finding.outcome.distance;
+    result.Segment = finding.outcome.segment;
+    if (records_triangles) result.Triangles.push_back({*finding.triangles.first, *finding.triangles.second});
+    return result;
+}
+
+}  // namespace
+
+bool ProximityDetector::Check(IProximityConfiguration& configuration) {
+    configuration.UpdateBodies();
+    return !CheckCouples(PrepareCouples<IProximityPairsProvider>(configuration), true).empty();
+}
+
+ProximityResult& ProximityDetector::Check(ProximityResult& result,
+                                          IProximityConfiguration& configuration,
+                                          CheckPolicy policy) {
+    configuration.UpdateBodies();
+    const Procedure procedure = ProcedureOf(policy);
+    const ProximityCoupleTable& couples = PrepareCouples<IProximityPairsProvider>(configuration);
+    const auto hits = CheckCouples(couples, procedure.stops_at_first_hit);
+
+    ProximityResult checked;
+    checked.Pairs.reserve(hits.size());
+    for (const CoupleHit<ProximityFinding>& hit : hits) {
+        checked.Pairs.push_back(
+            PairResultOf(couples[hit.position], hit.finding, procedure.records_triangles));
+    }
+    result = std::move(checked);
+    return result;
+}
+
+void ProximityDetector::Dump(IProximityConfiguration& configuration, DumpType type, std::ostream& stream) {
+    configuration.UpdateBodies();
+    DumpBodies(configuration.RetrieveElements(), type, stream);
+}
+
+}  // namespace tarn::details

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "tarn/collision_body.h"
+#include "tarn/export.h"
+#include "tarn/proximity_configuration.h"
+#include "tarn/triangle_data.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace tarn {
+
+/// How two bodies lie to each other.
+enum class ProximityState : std::uint32_t {
+    /// They touch (squared distance below 0.001) in every pair of leaves that was measured.
+    Touching = 0,
+    /// Some of their triangles intersect.
+    Intersecting = 1,
+    /// The measured distance is not above the clearance.
+    WithinClearance = 2,
+    /// The measured distance is above the clearance, or nothing was near enough to be measured.
+    BeyondClearance = 3,
+};
+
+/// All that the search for the distance of one couple found out. `IProximityDetector` tells how it searches.
+struct ProximityOutcome {
+    ProximityState state = ProximityState::BeyondClearance;
+    /// The measured distance, or -1 in the states `Touching` and `Intersecting` and where nothing was
+    /// measured. Never below the true distance, up to rounding.
+    double distance = -1.0;
+    /// Where it was measured, in world coordinates, P1 on the first body and P2 on the second; all zeros
+    /// where `distance` is -1.
+    SegmentData segment{};
+    /// The squared distance within which pairs of leaves were measured: the squared clearance, tightened by
+    /// the distances between box centres. Not tightened where the bodies intersect.
+    double bound = 0.0;
+    /// How many pairs of leaves came within the bound. 0 where the bodies intersect.
+    std::uint64_t retained_count = 0;
+    /// False where nothing is known for certain: the distance was measured beyond the clearance, or not at
+    /// all, and two box centres lie nearer each other than the clearance, so that the bound left out pairs of
+    /// leaves that may be nearer. Concentric parts, such as a shaft in its bush, are the usual case. In other
+    /// words: the state is `BeyondClearance`, and `bound` is below the squared clearance. Where it is not,
+    /// whatever was left out is at least the clearance away.
+    bool is_judged = true;
+};
+
+/// A couple and its outcome. The bodies are not owned.
+struct ProximityPairOutcome {
+    ICollisionBody* first = nullptr;
+    ICollisionBody* second = nullptr;
+    double clearance = 0.0;
+    ProximityOutcome outcome;
+};
+
+/// Measures one couple, in no configuration, with the search of `IProximityDetector`, and keeps what that
+/// leaves out: touching couples, couples that were not judged, distances beyond the clearance. Makes the
+/// bodies' pending placements current first. Throws `NullPointerException` for a null body,
+/// `BadCastException` for a body that `make_body` did not make, `LogicException`, naming the body, for one
+/// that was never built. Safe from any thread as long as nobody changes the bodies.
+[[nodiscard]] TARN_API ProximityOutcome MeasureProximity(ICollisionBody* first,
+                                                         ICollisionBody* second,
+                                                         double clearance);
+
+/// The same for all enabled couples of a configuration, each with its own clearance, in parallel. Couples
+/// that are judged to be beyond their clearance are left out, the others stand in couple order. Throws what a
+/// check throws. Thread-safety as for a check.
+[[nodiscard]] TARN_API std::vector<ProximityPairOutcome> MeasureProximity(
+    IProximityConfiguration& configuration);
+
+}  // namespace tarn
