@@ -2,6 +2,8 @@
 
 #include "tarn/factory.h"
 
+#include <algorithm>
+
 namespace tarn::program {
 namespace {
 
@@ -10,8 +12,6 @@ namespace {
 constexpr std::int16_t kLeafNumber = 5;
 
 }  // namespace
-
-Assembly::Assembly() : configuration_(tarn::make_unique_configuration()) {}
 
 void Assembly::AddMesh(const Mesh& mesh) {
     elements_.push_back(tarn::make_unique_element(mesh.name, mesh.triangles));
@@ -29,12 +29,16 @@ std::uint64_t Assembly::AddPart(const Part& part) {
     }
     body.SetMatrix(part.placement);
     body.SetLeafNumber(kLeafNumber);
-    configuration_->AddElement(&body);
     return kept_count;
 }
 
 std::size_t PartOf(const tarn::ICollisionBody& body) {
     return body.GetId() - 1;
+}
+
+std::pair<std::size_t, std::size_t> PartsOf(const tarn::ICollisionBody& first,
+                                            const tarn::ICollisionBody& second) {
+    return std::minmax({PartOf(first), PartOf(second)});
 }
 
 }  // namespace tarn::program

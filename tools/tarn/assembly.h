@@ -4,43 +4,44 @@
 #include "readers/model.h"
 
 #include "tarn/collision_body.h"
-#include "tarn/collision_configuration.h"
 #include "tarn/collision_element.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::program {
 
-/// A set of placed parts, ready to be checked: one element for each mesh, one body for each part.
+/// A set of placed parts: one element for each mesh, one body for each part.
 class Assembly final {
 public:
-    Assembly();
+    Assembly() = default;
     Assembly(const Assembly&) = delete;
     Assembly& operator=(const Assembly&) = delete;
 
     /// Adds a mesh, which parts then name by its number: 0 for the first one added.
     void AddMesh(const Mesh& mesh);
-    /// Adds a part as one body, builds its hierarchy, in parallel, and couples it with nothing. Returns how
-    /// many triangles the engine kept.
+    /// Adds a part as one body and builds its hierarchy, in parallel. Returns how many triangles the engine
+    /// kept.
     std::uint64_t AddPart(const Part& part);
 
     /// In the order in which parts were added.
     tarn::ICollisionBody& body(std::size_t part) { return *bodies_[part]; }
     std::size_t body_count() const { return bodies_.size(); }
-    tarn::ICollisionConfiguration& configuration() { return *configuration_; }
 
 private:
-    // In this order, because the configuration refers to the bodies, and the bodies to the elements.
+    // In this order, because the bodies refer to the elements.
     std::vector<std::unique_ptr<tarn::ICollisionElement>> elements_;
     std::vector<std::unique_ptr<tarn::ICollisionBody>> bodies_;
-    std::unique_ptr<tarn::ICollisionConfiguration> configuration_;
 };
 
 /// The number of the part that a body of an assembly stands for.
 std::size_t PartOf(const tarn::ICollisionBody& body);
+
+/// The numbers of a couple's parts, the lower one first: reports are ordered by them.
+std::pair<std::size_t, std::size_t> PartsOf(const tarn::ICollisionBody& first,
+                                            const tarn::ICollisionBody& second);
 
 }  // namespace tarn::program

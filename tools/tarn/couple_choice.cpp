@@ -7,23 +7,55 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace tarn::program {
 namespace {
 
-class CoupleChooser {
-public:
-    CoupleChooser(Assembly& assembly, const std::vector<Part>& parts, const std::vector<std::string>& owners)
-        : assembly_(assembly),
-          parts_(parts),
-          owners_(owners) {}
+std::vector<tarn::CollisionPair> CouplesOf(const tarn::ICollisionConfiguration& configuration) {
+    std::vector<tarn::CollisionPair> couples;
+    configuration.RetrieveCouples(couples);
+    return couples;
+}
 
+/// `Setting` is what a configuration is told of a couple.
+template <typename Configuration, typename Setting>
+class CoupleChooser final {
+public:
+    CoupleChooser(Configuration& configuration,
+                  Setting enabled,
+                  Setting disabled,
+                  Assembly& assembly,
+                  const Model& model)
+        : configuration_(configuration),
+          enabled_(enabled),
+          disabled_(disabled),
+          assembly_(assembly),
+          parts_(model.parts),
+          owners_(model.owners) {}
+
+    std::vector<std::string> Enable(const CoupleChoice& choice) {
+        for (std::size_t part = 0; part < parts_.size(); ++part) {
+            configuration_.AddElement(&assembly_.body(part));
+        }
+        if (choice.against) {
+            EnableAgainst(*choice.against);
+        } else {
+            EnableScope(choice.scope);
+        }
+        std::vector<std::string> warnings;
+        for (const auto& [first, second] : choice.ignored) {
+            for (std::string& warning : Ignore(first, second)) warnings.push_back(std::move(warning));
+        }
+        return warnings;
+    }
+
+private:
     void EnableScope(CoupleScope scope) {
-        tarn::ICollisionConfiguration& configuration = assembly_.configuration();
-        if (scope != CoupleScope::WithinOwners) configuration.EnableAllCouples();
+        if (scope != CoupleScope::WithinOwners) configuration_.ConfigAllCouples(enabled_);
         if (scope == CoupleScope::All) return;
         for (std::size_t owner = 0; owner < owners_.size(); ++owner) {
-            configuration.ConfigIntraOwner(owner, scope == CoupleScope::WithinOwners);
+            configuration_.ConfigIntraOwner(owner, scope == CoupleScope::WithinOwners ? enabled_ : disabled_);
         }
     }
 
@@ -33,7 +65,7 @@ public:
             throw ProgramError(fmt::format("--against: no part or owner is named '{}'", text));
         for (std::size_t part = 0; part < parts_.size(); ++part) {
             if (is_matched[part]) {
-                assembly_.configuration().ConfigElementAgainstAll(&assembly_.body(part), true);
+                configuration_.ConfigElementAgainstAll(&assembly_.body(part), enabled_);
             }
         }
     }
@@ -42,12 +74,11 @@ public:
     std::vector<std::string> Ignore(const std::string& first_text, const std::string& second_text) {
         const std::vector<bool> is_first = MatchedParts(first_text);
         const std::vector<bool> is_second = MatchedParts(second_text);
-        std::vector<tarn::CollisionPair> couples;
-        for (const tarn::CollisionPair& couple : assembly_.configuration().RetrieveCouples(couples)) {
+        for (const auto& couple : CouplesOf(configuration_)) {
             const std::size_t first = PartOf(*couple.First);
             const std::size_t second = PartOf(*couple.Second);
             if ((is_first[first] && is_second[second]) || (is_first[second] && is_second[first])) {
-                assembly_.configuration().ConfigCouple(couple.First, couple.Second, false);
+                configuration_.ConfigCouple(couple.First, couple.Second, disabled_);
             }
         }
         std::vector<std::string> warnings;
@@ -58,7 +89,6 @@ public:
         return warnings;
     }
 
-private:
     std::vector<bool> MatchedParts(const std::string& text) const {
         const NamePattern pattern(text);
         std::vector<bool> owner_is_matched;
@@ -75,6 +105,9 @@ private:
         return std::ranges::find(values, true) != values.end();
     }
 
+    Configuration& configuration_;
+    Setting enabled_;
+    Setting disabled_;
     Assembly& assembly_;
     const std::vector<Part>& parts_;
     const std::vector<std::string>& owners_;
@@ -82,21 +115,11 @@ private:
 
 }  // namespace
 
-std::vector<std::string> EnableCouples(Assembly& assembly,
-                                       const std::vector<Part>& parts,
-                                       const std::vector<std::string>& owners,
+std::vector<std::string> EnableCouples(tarn::ICollisionConfiguration& configuration,
+                                       Assembly& assembly,
+                                       const Model& model,
                                        const CoupleChoice& choice) {
-    CoupleChooser chooser(assembly, parts, owners);
-    if (choice.against) {
-        chooser.EnableAgainst(*choice.against);
-    } else {
-        chooser.EnableScope(choice.scope);
-    }
-    std::vector<std::string> warnings;
-    for (const auto& [first, second] : choice.ignored) {
-        for (std::string& warning : chooser.Ignore(first, second)) warnings.push_back(std::move(warning));
-    }
-    return warnings;
+    return CoupleChooser(configuration, true, false, assembly, model).Enable(choice);
 }
 
 }  // namespace tarn::program

@@ -3,6 +3,8 @@
 #include "assembly.h"
 #include "readers/model.h"
 
+#include "tarn/collision_configuration.h"
+
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,12 +22,12 @@ struct CoupleChoice {
     std::vector<std::pair<std::string, std::string>> ignored;  ///< couples left out, either way round
 };
 
-/// Enables the chosen couples in an assembly that holds the parts in this order and has no couples yet.
-/// Returns warnings about patterns that matched nothing. Throws `ProgramError` where `against` matches
-/// nothing.
-std::vector<std::string> EnableCouples(Assembly& assembly,
-                                       const std::vector<Part>& parts,
-                                       const std::vector<std::string>& owners,
+/// Puts the bodies of an assembly, which holds the parts of the model in their order, into an empty
+/// configuration and enables the chosen couples. Returns warnings about patterns that matched nothing. Throws
+/// `ProgramError` where `against` matches nothing.
+std::vector<std::string> EnableCouples(tarn::ICollisionConfiguration& configuration,
+                                       Assembly& assembly,
+                                       const Model& model,
                                        const CoupleChoice& choice);
 
 }  // namespace tarn::program

@@ -1,13 +1,10 @@
 #pragma once
 
+#include "point.h"
+
 #include "tarn/triangle_data.h"
 
 namespace tarn::program {
-
-/// A point in world coordinates, in millimetres.
-struct Point {
-    double x, y, z;
-};
 
 /// The middle of the segment along which two triangles cross. Where rounding leaves no such segment, the
 /// middle between their centroids.

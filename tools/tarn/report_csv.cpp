@@ -1,4 +1,4 @@
-#include "report.h"
+#include "report_csv.h"
 
 #include <fmt/format.h>
 
@@ -18,16 +18,18 @@ std::string Field(const std::string& text) {
 
 }  // namespace
 
-std::string FormatCsv(const Report& report) {
-    std::string csv = "first,second,first_owner,second_owner,centre_x_mm,centre_y_mm,centre_z_mm\n";
-    for (const ReportedCouple& couple : report.couples) {
-        csv += fmt::format("{},{},{},{},", Field(couple.first.name), Field(couple.second.name),
-                           Field(couple.first.owner), Field(couple.second.owner));
-        // Without a format, numbers get the fewest digits that give back the same double.
-        csv += couple.centre ? fmt::format("{},{},{}\n", couple.centre->x, couple.centre->y, couple.centre->z)
-                             : ",,\n";
-    }
-    return csv;
+std::string CsvOfParts(const ReportedPart& first, const ReportedPart& second) {
+    return fmt::format("{},{},{},{}", Field(first.name), Field(second.name), Field(first.owner),
+                       Field(second.owner));
+}
+
+std::string CsvOf(const std::optional<Point>& point) {
+    return point ? fmt::format("{},{},{}", point->x, point->y, point->z) : ",,";
+}
+
+std::string CsvOf(const std::optional<double>& number) {
+    // Without a format, numbers get the fewest digits that give back the same double.
+    return number ? fmt::format("{}", *number) : "";
 }
 
 }  // namespace tarn::program

@@ -24,7 +24,7 @@ std::uint64_t SizeWarnings::Look(const Part& part,
     if (kept_count == 0) {
         Add(invalid_, part,
             fmt::format("none of its {} triangles is valid (each has an edge of 0.0003 mm or less), so it "
-                        "interferes with nothing",
+                        "is as good as not there",
                         placed.size()));
     } else if (doubt != SizeDoubt::None) {
         Add(doubt == SizeDoubt::TooFine ? too_fine_ : too_large_, part, DescribeDoubt(doubt, size));
