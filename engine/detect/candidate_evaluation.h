@@ -38,8 +38,8 @@ struct NearestTriangles {
 /// What cannot win is left out. The measured squared distance of two triangles can lie a little below the
 /// squared distance of their boxes, because the region formulas cancel. With U the diagonal of the union of
 /// both bodies' boxes and M their largest coordinate by magnitude, every term of these formulas is a product
-/// of two lengths up to U, and the points between which they measure lie off their triangles by a few roundings
-/// of M: some tens of roundings of U (U + M) in all. So where
+/// of two lengths up to U, and the points between which they measure lie off their triangles by a few
+/// roundings of M: some tens of roundings of U (U + M) in all. So where
 ///     squared box distance - 64 * 2^-53 * U (U + M) > best
 /// the measured distance is above the best, strictly: the pair is neither chosen nor a tie. It does not touch
 /// either, as a valid best is at least the touch threshold. A comparison with NaN leaves nothing out.

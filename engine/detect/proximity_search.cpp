@@ -21,15 +21,15 @@ double ClampedSquare(double clearance) {
     return clearance * clearance;
 }
 
-/// Whether a pair of boxes is looked at: nearer than the bound, or, where the bound admits nothing, overlapping.
-/// World boxes nest exactly, so a refused pair has nothing below it that would be admitted.
+/// Whether a pair of boxes is looked at: nearer than the bound, or, where the bound admits nothing,
+/// overlapping. World boxes nest exactly, so a refused pair has nothing below it that would be admitted.
 bool IsWithin(double box_distance_squared, double bound) {
     return bound > 0.0 ? box_distance_squared < bound : box_distance_squared == 0.0;
 }
 
-/// The measured distance decides between the states by the couple's own clearance, not by the tightened bound:
-/// that one only chooses what is measured. It is no upper bound of the distance (between parallel faces it
-/// equals the gap, up to rounding).
+/// The measured distance decides between the states by the couple's own clearance, not by the tightened
+/// bound: that one only chooses what is measured. It is no upper bound of the distance (between parallel
+/// faces it equals the gap, up to rounding).
 ProximityState StateOf(double distance_squared, double clearance_squared) {
     return distance_squared > clearance_squared ? ProximityState::BeyondClearance
                                                 : ProximityState::WithinClearance;
@@ -42,8 +42,8 @@ SegmentData SegmentOf(const NearestTriangles& nearest) {
     return {p1.x, p1.y, p1.z, p2.x, p2.y, p2.z};
 }
 
-/// The bound is tightened before anything is retained, but not before the crossing test of overlapping leaf pairs:
-/// these are retained under any bound, so a crossing between them needs no bound.
+/// The bound is tightened before anything is retained, but not before the crossing test of overlapping leaf
+/// pairs: these are looked at under any bound, so a crossing between them needs none.
 class ProximitySearch {
 public:
     ProximitySearch(const AABBHierarchy& first, const AABBHierarchy& second, double clearance)
@@ -74,8 +74,9 @@ private:
         return finding_;
     }
 
-    /// Returns whether triangles intersect. Rounding can make large coplanar triangles cross though their boxes are
-    /// apart, so the test is not left out for leaf pairs at a distance. Overlapping ones have been tested.
+    /// Returns whether triangles intersect. Rounding can make large coplanar triangles cross though their
+    /// boxes are apart, so the test is not left out for leaf pairs at a distance. Overlapping ones have been
+    /// tested.
     bool CollectCandidates(CandidateEvaluation& candidates) {
         LeafTest leaf_test(std::size_t{first_.LeafNumber()} + second_.LeafNumber());
         const double bound = finding_.outcome.bound;

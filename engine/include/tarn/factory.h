@@ -7,6 +7,7 @@
 #include "tarn/export.h"
 #include "tarn/proximity_configuration.h"
 #include "tarn/proximity_detector.h"
+#include "tarn/recorder.h"
 #include "tarn/triangle_data.h"
 
 #include <cstdint>
@@ -36,6 +37,7 @@ namespace tarn {
 /// A proximity configuration without bodies.
 [[nodiscard]] TARN_API IProximityConfiguration* make_proximity_configuration();
 [[nodiscard]] TARN_API IProximityDetector* make_proximity_detector();
+[[nodiscard]] TARN_API IRecorder* make_recorder();
 
 /// Sole ownership.
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionElement> make_unique_element(
@@ -47,6 +49,7 @@ namespace tarn {
 [[nodiscard]] TARN_API std::unique_ptr<ICollisionDetector> make_unique_detector();
 [[nodiscard]] TARN_API std::unique_ptr<IProximityConfiguration> make_unique_proximity_configuration();
 [[nodiscard]] TARN_API std::unique_ptr<IProximityDetector> make_unique_proximity_detector();
+[[nodiscard]] TARN_API std::unique_ptr<IRecorder> make_unique_recorder();
 
 /// Shared ownership, counter and object in one allocation.
 [[nodiscard]] TARN_API std::shared_ptr<ICollisionElement> make_shared_element(

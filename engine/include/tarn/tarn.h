@@ -19,6 +19,7 @@
 #include "tarn/proximity_outcome.h"
 #include "tarn/proximity_result.h"
 #include "tarn/proximity_setting.h"
+#include "tarn/recorder.h"
 #include "tarn/thread_limit.h"
 #include "tarn/triangle_data.h"
 #include "tarn/triangle_segments.h"
