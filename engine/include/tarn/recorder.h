@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// Stores configurations, with their bodies and meshes, as XML scene files and rebuilds them. It has no state.
-/// Made by `make_recorder`.
+/// Stores configurations, with their bodies and meshes, as XML scene files and rebuilds them. It has no
+/// state. Made by `make_recorder`.
 ///
 /// What a round trip preserves, bit for bit: the bodies in their order, with identifiers, owners, names and
 /// leaf numbers; of each body the triangles in its hierarchy, in element coordinates; the couples in their
