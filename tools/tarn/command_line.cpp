@@ -2,6 +2,7 @@
 
 #include "assembly_arguments.h"
 #include "check_command.h"
+#include "clearance_command.h"
 #include "console.h"
 
 #include "tarn/exception.h"
@@ -24,6 +25,23 @@ constexpr const char* kCheckFooter =
     "\n"
     "Exit status: 0 nothing interferes, 1 something does, 2 the check could not be done.";
 
+constexpr const char* kClearanceFooter =
+    "Couples are listed nearest first, in one of these states:\n"
+    "  intersecting  triangles of the two cross\n"
+    "  touching      nearer than about 0.03 mm (squared distance below 0.001), without a place\n"
+    "  too near      within the clearance, with the distance and the segment along which it was measured\n"
+    "  not judged    the boxes of the two come within the clearance, but the search ended at once: it looks\n"
+    "                no farther than from one box centre to another, and two of them all but coincide.\n"
+    "                Concentric parts are the usual case, such as a shaft in its bush.\n"
+    "A distance is never below the true one, and can be above it, so a couple that is a little nearer than\n"
+    "the clearance can be passed over. Tolerances are absolute and suit millimetres; those of \"check\" "
+    "come\n"
+    "on top.\n"
+    "\n"
+    "Exit status: 0 all couples that were judged keep the clearance, 1 some do not, 2 the check could not "
+    "be\n"
+    "done.";
+
 const std::map<std::string, tarn::CheckPolicy>& Policies() {
     static const std::map<std::string, tarn::CheckPolicy> policies = {
         {"first", tarn::CheckPolicy::FirstInterferenceStop},
@@ -44,12 +62,27 @@ void AddCheckCommand(CLI::App& program, CheckOptions& options) {
     AddAssemblyArguments(check, options.assembly);
 }
 
+void AddClearanceCommand(CLI::App& program, ClearanceOptions& options) {
+    CLI::App& command = *program.add_subcommand(
+        "clearance", "Find the parts of an assembly that are nearer than they may be, and where");
+    command.footer(std::string(kAssemblyFooter) + kClearanceFooter);
+    command
+        .add_option_function<std::string>(
+            "--clearance", [&options](const std::string& text) { options.clearance = ParseClearance(text); },
+            "The distance within which a couple is reported, in millimetres whatever the files' unit")
+        ->required()
+        ->type_name("MM");
+    AddAssemblyArguments(command, options.assembly);
+}
+
 ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
-    CLI::App program("Interference checks for rigid triangle meshes", "tarn");
+    CLI::App program("Interference and clearance checks for rigid triangle meshes", "tarn");
     program.set_version_flag("--version", tarn::GetVersionText(), "Print the library's name and version");
     program.require_subcommand(1);
-    CheckOptions options;
-    AddCheckCommand(program, options);
+    CheckOptions check;
+    AddCheckCommand(program, check);
+    ClearanceOptions clearance;
+    AddClearanceCommand(program, clearance);
     try {
         program.parse(argument_count, arguments);
     } catch (const CLI::CallForVersion&) {
@@ -59,7 +92,8 @@ ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
         PrintResult(program.help());
         return ExitStatus::Clear;
     }
-    return RunCheck(options) ? ExitStatus::Found : ExitStatus::Clear;
+    const bool found_any = program.got_subcommand("check") ? RunCheck(check) : RunClearance(clearance);
+    return found_any ? ExitStatus::Found : ExitStatus::Clear;
 }
 
 }  // namespace

@@ -18,7 +18,14 @@ std::vector<tarn::CollisionPair> CouplesOf(const tarn::ICollisionConfiguration& 
     return couples;
 }
 
-/// `Setting` is what a configuration is told of a couple.
+std::vector<tarn::ProximityPair> CouplesOf(const tarn::IProximityConfiguration& configuration) {
+    std::vector<tarn::ProximityPair> couples;
+    configuration.RetrieveCouples(couples);
+    return couples;
+}
+
+/// Serves both kinds of configuration. They have the same operations and differ in what they are told of a
+/// couple, here `Setting`.
 template <typename Configuration, typename Setting>
 class CoupleChooser final {
 public:
@@ -120,6 +127,16 @@ std::vector<std::string> EnableCouples(tarn::ICollisionConfiguration& configurat
                                        const Model& model,
                                        const CoupleChoice& choice) {
     return CoupleChooser(configuration, true, false, assembly, model).Enable(choice);
+}
+
+std::vector<std::string> EnableCouples(tarn::IProximityConfiguration& configuration,
+                                       double clearance,
+                                       Assembly& assembly,
+                                       const Model& model,
+                                       const CoupleChoice& choice) {
+    const tarn::ProximitySetting enabled{true, clearance};
+    const tarn::ProximitySetting disabled{false, clearance};
+    return CoupleChooser(configuration, enabled, disabled, assembly, model).Enable(choice);
 }
 
 }  // namespace tarn::program

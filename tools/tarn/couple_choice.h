@@ -4,6 +4,7 @@
 #include "readers/model.h"
 
 #include "tarn/collision_configuration.h"
+#include "tarn/proximity_configuration.h"
 
 #include <optional>
 #include <string>
@@ -26,6 +27,13 @@ struct CoupleChoice {
 /// configuration and enables the chosen couples. Returns warnings about patterns that matched nothing. Throws
 /// `ProgramError` where `against` matches nothing.
 std::vector<std::string> EnableCouples(tarn::ICollisionConfiguration& configuration,
+                                       Assembly& assembly,
+                                       const Model& model,
+                                       const CoupleChoice& choice);
+
+/// The same, all couples with one clearance.
+std::vector<std::string> EnableCouples(tarn::IProximityConfiguration& configuration,
+                                       double clearance,
                                        Assembly& assembly,
                                        const Model& model,
                                        const CoupleChoice& choice);
