@@ -3,9 +3,11 @@
 #include "tarn/collision_body.h"
 #include "tarn/collision_configuration.h"
 #include "tarn/collision_element.h"
+#include "tarn/proximity_configuration.h"
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace tarn::test {
@@ -40,35 +42,41 @@ private:
     std::uint32_t id_;
 };
 
-class ForeignConfiguration final : public ICollisionConfiguration {
+template <typename Interface, typename Setting, typename Pair>
+class ForeignConfigurationOf : public Interface {
 public:
     int updates = 0;
 
-    void AddElement(ICollisionBody*, bool) override {}
+    void AddElement(ICollisionBody*, Setting) override {}
     void AddElement(ICollisionBody*) override {}
     bool RemoveElement(ICollisionBody*) override { return false; }
     void RemoveAllElements() override {}
-    void EnableAllCouples() override {}
     std::vector<std::uint64_t> RetrieveOwners() const override { return {}; }
-    void ConfigCouple(ICollisionBody*, ICollisionBody*, bool) override {}
-    void ConfigElementAgainstAll(ICollisionBody*, bool) override {}
-    void ConfigAllCouples(bool) override {}
-    void ConfigIntraOwner(std::uint64_t, bool) override {}
-    void ConfigInterOwners(std::uint64_t, std::uint64_t, bool) override {}
-    bool CoupleIsEnable(ICollisionBody*, ICollisionBody*) const override { return false; }
+    void ConfigCouple(ICollisionBody*, ICollisionBody*, Setting) override {}
+    void ConfigElementAgainstAll(ICollisionBody*, Setting) override {}
+    void ConfigAllCouples(Setting) override {}
+    void ConfigIntraOwner(std::uint64_t, Setting) override {}
+    void ConfigInterOwners(std::uint64_t, std::uint64_t, Setting) override {}
+    std::remove_cvref_t<Setting> CoupleIsEnable(ICollisionBody*, ICollisionBody*) const override {
+        return {};
+    }
     std::vector<ICollisionBody*> RetrieveElements() const override { return {}; }
     std::uint64_t RetrieveCouplesCount() const override { return 0; }
-    std::vector<CollisionPair>& RetrieveCouples(std::vector<CollisionPair>& out) const override {
-        return out;
-    }
-    std::vector<CollisionPair>& RetrieveCouples(std::vector<CollisionPair>& out,
-                                                ICollisionBody*) const override {
-        return out;
-    }
-    [[nodiscard]] ICollisionConfiguration* Clone() const override { return new ForeignConfiguration(); }
-    void MergeConfiguration(ICollisionConfiguration*, bool, int) override {}
-    void AppendDistinctConfiguration(ICollisionConfiguration*, int) override {}
+    std::vector<Pair>& RetrieveCouples(std::vector<Pair>& out) const override { return out; }
+    std::vector<Pair>& RetrieveCouples(std::vector<Pair>& out, ICollisionBody*) const override { return out; }
+    [[nodiscard]] Interface* Clone() const override { return nullptr; }
+    void MergeConfiguration(Interface*, Setting, int) override {}
+    void AppendDistinctConfiguration(Interface*, int) override {}
     void UpdateBodies() override { ++updates; }
 };
+
+class ForeignConfiguration final
+    : public ForeignConfigurationOf<ICollisionConfiguration, bool, CollisionPair> {
+public:
+    void EnableAllCouples() override {}
+};
+
+using ForeignProximityConfiguration =
+    ForeignConfigurationOf<IProximityConfiguration, const ProximitySetting&, ProximityPair>;
 
 }  // namespace tarn::test

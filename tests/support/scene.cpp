@@ -8,7 +8,8 @@ namespace tarn::test {
 
 Scene::Scene(std::int16_t leaf_number)
     : leaf_number_(leaf_number),
-      configuration_(make_unique_configuration()) {}
+      configuration_(make_unique_configuration()),
+      clearances_(make_unique_proximity_configuration()) {}
 
 ICollisionElement* Scene::AddElement(const Mesh& mesh) {
     elements_.push_back(make_unique_element("element " + std::to_string(elements_.size() + 1), mesh));
@@ -25,6 +26,7 @@ details::CollisionBody* Scene::AddBody(ICollisionElement* element,
     body->SetMatrix(placement);
     body->SetLeafNumber(leaf_number_);
     configuration_->AddElement(body);
+    clearances_->AddElement(body);
     return body;
 }
 

@@ -6,6 +6,7 @@
 #include "tarn/collision_configuration.h"
 #include "tarn/collision_element.h"
 #include "tarn/matrix.h"
+#include "tarn/proximity_configuration.h"
 
 #include <cstdint>
 #include <memory>
@@ -13,7 +14,7 @@
 
 namespace tarn::test {
 
-/// Bodies with their elements and a configuration, all owned here. Identifiers count from 1, so tests that
+/// Bodies with their elements and a configuration of each kind, all owned here. Identifiers count from 1, so tests that
 /// remove bodies must mind which identifiers contain which bits.
 class Scene {
 public:
@@ -23,13 +24,14 @@ public:
 
     /// Adds an element that bodies may share.
     ICollisionElement* AddElement(const Mesh& mesh);
-    /// Adds a built body over an element and puts it into the configuration, without couples.
+    /// Adds a built body over an element and puts it into both configurations, without couples.
     details::CollisionBody* AddBody(ICollisionElement* element,
                                     const MATRIX& placement,
                                     std::uint64_t owner = 0);
     details::CollisionBody* AddBody(const Mesh& mesh, const MATRIX& placement = {}, std::uint64_t owner = 0);
 
     ICollisionConfiguration& Configuration() { return *configuration_; }
+    IProximityConfiguration& Clearances() { return *clearances_; }
     const std::vector<std::unique_ptr<details::CollisionBody>>& Bodies() const { return bodies_; }
 
 private:
@@ -37,6 +39,7 @@ private:
     std::vector<std::unique_ptr<ICollisionElement>> elements_;
     std::vector<std::unique_ptr<details::CollisionBody>> bodies_;
     std::unique_ptr<ICollisionConfiguration> configuration_;
+    std::unique_ptr<IProximityConfiguration> clearances_;
 };
 
 }  // namespace tarn::test
