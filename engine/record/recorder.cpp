@@ -2,6 +2,7 @@
 
 #include "config/collision_configuration.h"
 #include "config/proximity_configuration.h"
+#include "record/crowded_tag.h"
 #include "record/scene_format.h"
 #include "record/scene_visitors.h"
 #include "record/scene_writer.h"
@@ -11,6 +12,8 @@
 
 #include <tinyxml2.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <ostream>
@@ -55,11 +58,25 @@ void StoreScene(const Configuration* configuration, const std::string& path) {
     }
 }
 
+/// A file's bytes; what cannot be read is left to the library, for its own error.
+std::string Content(std::FILE* file) {
+    std::string content;
+    std::array<char, 65536> block;
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), file))
+        content.append(block.data(), count);
+    std::rewind(file);
+    return content;
+}
+
 /// The file is opened here, so that it is closed whatever happens in the library. What cannot be opened is
 /// left to the library, for its own error.
 void Load(XMLDocument& document, const std::string& path) {
     const OwnedFile file(std::fopen(path.c_str(), "rb"), &std::fclose);
     if (file) {
+        if (const auto line = LineOfCrowdedTag(Content(file.get()))) {
+            throw InconsistentDataException("Tag with more than " + std::to_string(kMostAttributes) +
+                                            " attributes (line " + std::to_string(*line) + ")");
+        }
         document.LoadFile(file.get());
     } else {
         document.LoadFile(path.c_str());

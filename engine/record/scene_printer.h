@@ -12,7 +12,13 @@ namespace tarn::details {
 /// Prints XML to a stream, laid out as the library prints a document to a file.
 class ScenePrinter final : public tinyxml2::XMLPrinter {
 public:
-    explicit ScenePrinter(std::ostream& stream) : stream_(stream) {}
+    explicit ScenePrinter(std::ostream& stream) : stream_(stream) { buffer_.reserve(2 * kBuffer); }
+
+    /// Hands on what is printed so far. Call it at the end.
+    void Flush() {
+        stream_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+        buffer_.clear();
+    }
 
     /// An attribute of any text. The library itself would write line ends as they stand, which readers take
     /// for line feeds.
@@ -33,11 +39,14 @@ public:
 
 protected:
     void Write(const char* data, std::size_t size) override {
-        stream_.write(data, static_cast<std::streamsize>(size));
+        buffer_.append(data, size);
+        if (buffer_.size() >= kBuffer) Flush();
     }
-    void Putc(char character) override { stream_.put(character); }
+    void Putc(char character) override { buffer_.push_back(character); }
 
 private:
+    static constexpr std::size_t kBuffer = 65536;
+
     static std::string_view Escaped(char character) {
         switch (character) {
             case '&':
@@ -62,6 +71,8 @@ private:
     }
 
     std::ostream& stream_;
+    /// The library prints in pieces of a few bytes, for which a stream is slow.
+    std::string buffer_;
 };
 
 }  // namespace tarn::details

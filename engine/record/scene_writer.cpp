@@ -147,6 +147,7 @@ void WriteSceneOf(const Configuration& configuration, const char* type, std::ost
     for (const Couple& couple : configuration.RetrieveCouples(couples)) WriteCouple(printer, couple);
     printer.CloseElement();
     printer.CloseElement();
+    printer.Flush();
 }
 
 }  // namespace
