@@ -130,11 +130,11 @@ void AddIntermediateLine(std::vector<Part>& parts, const ShaftLine& line, double
                  End::Back);
 }
 
-void AddOutputLine(std::vector<Part>& parts, const ShaftLine& line, double journal_radius) {
+void AddOutputLine(std::vector<Part>& parts, const ShaftLine& line, const CriticalDimensions& dimensions) {
     LineAssembly assembly(parts, line);
     assembly.Add("shaft_output",
                  SteppedShaft(-117, {{-78, KeyedCircle(kOutputEnd, kOutputCouplingKey.InShaft())},
-                                     {-54.5, Circle({}, journal_radius)},
+                                     {-54.5, Circle({}, dimensions.output_journal_radius)},
                                      {-29.2, Journal(line)},
                                      {-0.9, KeyedCircle(kOutputSeat, kOutputKey.InShaft())},
                                      {6, Circle({}, 24)},
@@ -145,15 +145,15 @@ void AddOutputLine(std::vector<Part>& parts, const ShaftLine& line, double journ
     assembly.Add("gear_output_wheel", Wheel(teeth, bore, {57, 31, 10, 9}, -29, -1));
     assembly.Add("key_output_wheel", ParallelKey(kOutputKey, -28, -2));
     assembly.Add("key_output_coupling", ParallelKey(kOutputCouplingKey, -115, -82));
-    assembly.Add("sleeve_output", Sleeve(line.bearing.bore_radius, 19, 29.3, kShoulder), End::Back);
+    assembly.Add("sleeve_output", Sleeve(line.bearing.bore_radius, 19, 29.3, dimensions.output_sleeve_end),
+                 End::Back);
     assembly.AddSeal(kOutputSeal, End::Back);
 }
 
 }  // namespace
 
 ShaftLines LayOutShafts(const CriticalDimensions& dimensions) {
-    const double input_x = -CentreDistance(kInputPinion, kIntermediateWheel);
-    return {{"input", Group::InputStage, input_x, {10, 23.5, 14, 8}},
+    return {{"input", Group::InputStage, dimensions.input_shaft_x, {10, 23.5, 14, 8}},
             {"intermediate", Group::IntermediateStage, 0, {12.5, 26, 15, 9}},
             {"output", Group::OutputStage, dimensions.output_shaft_x, {15, 31, 16, 9}}};
 }
@@ -172,7 +172,7 @@ std::vector<Part> MakeDriveTrain(const CriticalDimensions& dimensions) {
     std::vector<Part> parts;
     AddInputLine(parts, lines.input);
     AddIntermediateLine(parts, lines.intermediate, dimensions.wheel_keyway_width);
-    AddOutputLine(parts, lines.output, dimensions.output_journal_radius);
+    AddOutputLine(parts, lines.output, dimensions);
     return parts;
 }
 

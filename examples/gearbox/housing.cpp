@@ -189,10 +189,10 @@ Solid EndWall(const ShaftLines& lines, End end) {
     return end == End::Front ? Stack(kWallInside, {floor, drilled}) : Stack(-kWallOutside, {drilled, floor});
 }
 
-// A cap about its axis, for the front. Its spigot holds the bearing in place; with a seal it is open for the
-// shaft.
-Solid BearingCap(const ShaftLine& line, const SealSize* seal) {
-    const double bearing_end = kBearingInside + line.bearing.width + kSlip;
+// A cap about its axis, for the front. Its spigot holds the bearing in place, but for some play; with a seal it
+// is open for the shaft.
+Solid BearingCap(const ShaftLine& line, const SealSize* seal, double play) {
+    const double spigot_end = kBearingInside + line.bearing.width + play;
     const Contour spigot_outside = Circle({}, line.bearing.outer_radius - kSlip);
     const Contour spigot_inside = Circle({}, line.bearing.outer_radius - 4);
     const Contour edge = Circle({}, CapRadius(line));
@@ -209,19 +209,21 @@ Solid BearingCap(const ShaftLine& line, const SealSize* seal) {
     constexpr double kEdgeChamfer = 0.8;
     const Region rim = flange(edge, pocket);
     const Region chamfered_rim = flange(Scaled(edge, 0.98), pocket);
-    return Stack(bearing_end, {Slice::Straight(kCapInside - bearing_end, {spigot_outside, spigot_inside}),
-                               Slice::Straight(kCapFloor, flange(edge, shaft_bore)),
-                               Slice::Straight(kCapThickness - kCapFloor - kEdgeChamfer, rim),
-                               {kEdgeChamfer, rim, chamfered_rim}});
+    return Stack(spigot_end, {Slice::Straight(kCapInside - spigot_end, {spigot_outside, spigot_inside}),
+                              Slice::Straight(kCapFloor, flange(edge, shaft_bore)),
+                              Slice::Straight(kCapThickness - kCapFloor - kEdgeChamfer, rim),
+                              {kEdgeChamfer, rim, chamfered_rim}});
 }
 
 void AddCap(std::vector<Part>& parts,
             const ShaftLine& line,
             End end,
             const SealSize* seal,
-            double first_length = kCapBoltLength) {
+            double first_length = kCapBoltLength,
+            double play = kSlip) {
     const std::string name = "cap_" + line.name + "_" + EndName(end);
-    parts.push_back({name, Group::Housing, Placed(BearingCap(line, seal), PlacementAt(end, {line.x, 0}, 0))});
+    parts.push_back(
+        {name, Group::Housing, Placed(BearingCap(line, seal, play), PlacementAt(end, {line.x, 0}, 0))});
     constexpr double kSeat = kCapInside + kCapThickness + kSlip;
     int number = 0;
     for (const Point& bolt : CapBoltCentres(line)) {
@@ -279,7 +281,7 @@ std::vector<Part> MakeHousing(const CriticalDimensions& dimensions) {
     AddCap(parts, lines.input, End::Back, nullptr);
     AddCap(parts, lines.intermediate, End::Front, nullptr);
     AddCap(parts, lines.intermediate, End::Back, nullptr);
-    AddCap(parts, lines.output, End::Front, nullptr);
+    AddCap(parts, lines.output, End::Front, nullptr, kCapBoltLength, dimensions.output_cap_play);
     AddCap(parts, lines.output, End::Back, &kOutputSeal);
     AddSplitBolts(parts);
     return parts;

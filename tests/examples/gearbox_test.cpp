@@ -59,11 +59,18 @@ double Volume(const Solid& solid) {
     return sum / 6;
 }
 
-// All interfering couples by name, as a check of every couple finds them.
-std::set<Couple> FindInterferences(const std::vector<Part>& parts) {
+// What checks of every couple find, by name.
+struct Findings {
+    std::set<Couple> interfering;
+    std::set<Couple> too_near;
+    bool operator==(const Findings&) const = default;
+};
+
+Findings Check(const std::vector<Part>& parts) {
     std::vector<std::unique_ptr<tarn::ICollisionElement>> elements;
     std::vector<std::unique_ptr<tarn::ICollisionBody>> bodies;
     const auto configuration = tarn::make_unique_configuration();
+    const auto proximity_configuration = tarn::make_unique_proximity_configuration();
     for (const Part& part : parts) {
         elements.push_back(tarn::make_unique_element(part.name, part.solid));
         bodies.push_back(tarn::make_unique_body(static_cast<std::uint32_t>(bodies.size() + 1),
@@ -71,11 +78,26 @@ std::set<Couple> FindInterferences(const std::vector<Part>& parts) {
         bodies.back()->AddElement(elements.back().get());
         bodies.back()->SetLeafNumber(5);
         configuration->AddElement(bodies.back().get(), true);
+        proximity_configuration->AddElement(bodies.back().get(), {true, kLeastClearance});
     }
     tarn::CollisionResult result;
     tarn::make_unique_detector()->Check(result, *configuration, tarn::CheckPolicy::AllInterferences);
+    Findings findings;
+    for (const auto& pair : result.Pairs)
+        findings.interfering.insert({pair.First->GetName(), pair.Second->GetName()});
+    for (const auto& pair : tarn::MeasureProximity(*proximity_configuration)) {
+        const tarn::ProximityState state = pair.outcome.state;
+        EXPECT_NE(state, tarn::ProximityState::Touching) << pair.first->GetName();
+        const Couple couple{pair.first->GetName(), pair.second->GetName()};
+        EXPECT_EQ(findings.interfering.contains(couple), state == tarn::ProximityState::Intersecting);
+        if (state == tarn::ProximityState::WithinClearance) findings.too_near.insert(couple);
+    }
+    return findings;
+}
+
+std::set<Couple> CouplesOf(const std::vector<Fault>& faults) {
     std::set<Couple> couples;
-    for (const auto& pair : result.Pairs) couples.insert({pair.First->GetName(), pair.Second->GetName()});
+    for (const Fault& fault : faults) couples.insert({fault.first, fault.second});
     return couples;
 }
 
@@ -95,29 +117,32 @@ TEST(Gearbox, PartsAreClosedAndOriented) {
     EXPECT_GE(triangle_count, 50000u);
 }
 
-TEST(Gearbox, ExactlyTheDeliberateFaultsInterfere) {
-    std::set<Couple> expected;
-    for (const Fault& fault : DeliberateFaults()) expected.insert({fault.first, fault.second});
-    EXPECT_EQ(FindInterferences(MakeGearbox(FaultyDimensions())), expected);
+TEST(Gearbox, ExactlyTheDeliberateFaultsAreFound) {
+    const Findings expected{CouplesOf(DeliberateFaults()), CouplesOf(TightPlaces())};
+    EXPECT_EQ(Check(MakeGearbox(FaultyDimensions())), expected);
 }
 
 TEST(Gearbox, SoundDimensionsLeaveEverythingFree) {
-    EXPECT_EQ(FindInterferences(MakeGearbox(SoundDimensions())), std::set<Couple>{});
+    EXPECT_EQ(Check(MakeGearbox(SoundDimensions())), Findings());
 }
 
-// Each deviation by itself accounts for one of the faults, in the order of the list.
+// Each deviation by itself accounts for one of the faults, in the order of the lists.
 TEST(Gearbox, EachFaultHasItsOwnCause) {
     const CriticalDimensions faulty = FaultyDimensions();
-    std::vector<CriticalDimensions> variants(4, SoundDimensions());
+    std::vector<CriticalDimensions> variants(7, SoundDimensions());
     variants[0].output_shaft_x = faulty.output_shaft_x;
     variants[1].input_cap_bolt_length = faulty.input_cap_bolt_length;
     variants[2].output_journal_radius = faulty.output_journal_radius;
     variants[3].wheel_keyway_width = faulty.wheel_keyway_width;
-    ASSERT_EQ(DeliberateFaults().size(), variants.size());
+    variants[4].input_shaft_x = faulty.input_shaft_x;
+    variants[5].output_sleeve_end = faulty.output_sleeve_end;
+    variants[6].output_cap_play = faulty.output_cap_play;
+    std::vector<Findings> expected;
+    for (const Fault& fault : DeliberateFaults()) expected.push_back({CouplesOf({fault}), {}});
+    for (const Fault& fault : TightPlaces()) expected.push_back({{}, CouplesOf({fault})});
+    ASSERT_EQ(expected.size(), variants.size());
     for (std::size_t i = 0; i < variants.size(); ++i) {
-        const Fault& fault = DeliberateFaults()[i];
-        const std::set<Couple> expected{{fault.first, fault.second}};
-        EXPECT_EQ(FindInterferences(MakeGearbox(variants[i])), expected) << fault.what;
+        EXPECT_EQ(Check(MakeGearbox(variants[i])), expected[i]) << i;
     }
 }
 
