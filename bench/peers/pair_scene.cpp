@@ -21,11 +21,6 @@ details::Box BoxOf(const Triangles& triangles) {
     return box;
 }
 
-/// Half the diagonal of the box of a centred mesh.
-double RadiusOf(const Triangles& triangles) {
-    return std::sqrt(LengthSquared(Extents(BoxOf(triangles)))) / 2.0;
-}
-
 TriangleData TriangleOf(const Vector3& a, const Vector3& b, const Vector3& c) {
     return {a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z};
 }
@@ -48,7 +43,42 @@ MATRIX Shifted(MATRIX pose, const Vector3& direction, double distance) {
     return pose;
 }
 
+/// A pose of the second mesh that is just clear of the first, and the way that led to it.
+struct Approach {
+    MATRIX rotation;
+    Vector3 direction;
+    double distance;
+};
+
+/// Comes from afar in a random direction, in steps of a fiftieth to the first contact, then by halving. Tries
+/// again where there is none.
+Approach FindContact(const PeerMesh& first, const PeerMesh& second, double far, std::mt19937_64& random) {
+    for (;;) {
+        const MATRIX rotation = test::RandomRigid(random, 0.0);
+        const Vector3 direction = UnitVector(random);
+        const auto collides = [&](double distance) {
+            return PeerCollides(first, {}, second, Shifted(rotation, direction, distance));
+        };
+        double clear = far;
+        double touching = far;
+        while (touching > 0.0 && !collides(touching)) {
+            clear = touching;
+            touching -= far / 50.0;
+        }
+        if (touching <= 0.0) continue;
+        for (int i = 0; i < 30; ++i) {
+            const double middle = 0.5 * (clear + touching);
+            (collides(middle) ? touching : clear) = middle;
+        }
+        return {rotation, direction, clear};
+    }
+}
+
 }  // namespace
+
+double Diagonal(const Triangles& triangles) {
+    return std::sqrt(LengthSquared(Extents(BoxOf(triangles))));
+}
 
 void Centre(Triangles& triangles) {
     const details::Box box = BoxOf(triangles);
@@ -105,33 +135,40 @@ std::vector<MATRIX> PosesAroundContact(const Triangles& first,
                                        unsigned seed) {
     const PeerMesh first_mesh(first);
     const PeerMesh second_mesh(second);
-    const double far = RadiusOf(first) + RadiusOf(second);
-    const double small = RadiusOf(second);
+    const double small = Diagonal(second) / 2.0;
+    const double far = Diagonal(first) / 2.0 + small;
     std::mt19937_64 random(seed);
     std::uniform_real_distribution<double> share(0.0, 1.0);
     std::vector<MATRIX> poses;
     while (poses.size() < count) {
-        const MATRIX pose = test::RandomRigid(random, 0.0);
-        const Vector3 direction = UnitVector(random);
-        const auto collides = [&](double distance) {
-            return PeerCollides(first_mesh, {}, second_mesh, Shifted(pose, direction, distance));
-        };
-        // From afar in steps of a fiftieth to the first contact, then by halving.
-        double clear = far;
-        double touching = far;
-        while (touching > 0.0 && !collides(touching)) {
-            clear = touching;
-            touching -= far / 50.0;
-        }
-        if (touching <= 0.0) continue;
-        for (int i = 0; i < 30; ++i) {
-            const double middle = 0.5 * (clear + touching);
-            (collides(middle) ? touching : clear) = middle;
-        }
+        const Approach approach = FindContact(first_mesh, second_mesh, far, random);
         double push = -small * (0.0005 + 0.02 * share(random));
         if (poses.size() % 6 >= 3) push = -push;
         if (poses.size() % 6 == 5) push *= 20.0;
-        poses.push_back(Shifted(pose, direction, clear + push));
+        poses.push_back(Shifted(approach.rotation, approach.direction, approach.distance + push));
+    }
+    return poses;
+}
+
+std::vector<MATRIX> PosesAtGaps(const Triangles& first,
+                                const Triangles& second,
+                                const std::vector<double>& gaps,
+                                unsigned seed) {
+    const PeerMesh first_mesh(first);
+    const PeerMesh second_mesh(second);
+    const double far = (Diagonal(first) + Diagonal(second)) / 2.0;
+    std::mt19937_64 random(seed);
+    std::vector<MATRIX> poses;
+    for (const double gap : gaps) {
+        Approach approach = FindContact(first_mesh, second_mesh, far, random);
+        // A step by what is missing never leads too far out, for the distance grows by no more than the step.
+        for (int i = 0; i < 20; ++i) {
+            const MATRIX pose = Shifted(approach.rotation, approach.direction, approach.distance);
+            const double missing = gap - PeerDistance(first_mesh, {}, second_mesh, pose).distance;
+            if (missing < 0.01 * gap) break;
+            approach.distance += missing;
+        }
+        poses.push_back(Shifted(approach.rotation, approach.direction, approach.distance));
     }
     return poses;
 }

@@ -6,20 +6,20 @@
 #include "tarn/triangle_data.h"
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 namespace tarn::bench {
 
 using Triangles = std::vector<TriangleData>;
 
-/// Two meshes, each centred on the origin, and poses of the second around the first contact with the first.
-struct PairScene {
-    std::string name;
+/// Two meshes, each centred on the origin; the second one moves.
+struct MeshPair {
     Triangles first;
     Triangles second;
-    std::vector<MATRIX> poses;
 };
+
+/// Of the mesh's box.
+double Diagonal(const Triangles& triangles);
 
 /// Moves a mesh so that the centre of its box is the origin.
 void Centre(Triangles& triangles);
@@ -37,5 +37,12 @@ std::vector<MATRIX> PosesAroundContact(const Triangles& first,
                                        const Triangles& second,
                                        std::size_t count,
                                        unsigned seed);
+
+/// Random poses for the second mesh, in which FCL sees it about as far from the first as `gaps` says, never
+/// farther. The same seed gives the same poses.
+std::vector<MATRIX> PosesAtGaps(const Triangles& first,
+                                const Triangles& second,
+                                const std::vector<double>& gaps,
+                                unsigned seed);
 
 }  // namespace tarn::bench

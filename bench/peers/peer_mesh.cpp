@@ -5,9 +5,10 @@
 #include <fcl/math/bv/OBBRSS.h>
 #include <fcl/narrowphase/collision.h>
 #include <fcl/narrowphase/collision_object.h>
+#include <fcl/narrowphase/distance.h>
 
 #include <algorithm>
-#include <compare>
+#include <cmath>
 #include <tuple>
 
 namespace tarn::bench {
@@ -22,6 +23,30 @@ fcl::Transform3d TransformOf(const MATRIX& m) {
         }
     }
     return transform;
+}
+
+/// The nearest points, asked for like the distance. The limit is where the search starts from.
+PeerNearest Nearest(const fcl::CollisionGeometryd* first,
+                    const fcl::Transform3d& first_placement,
+                    const fcl::CollisionGeometryd* second,
+                    const fcl::Transform3d& second_placement,
+                    double limit) {
+    fcl::DistanceRequestd request;
+    request.enable_nearest_points = true;
+    fcl::DistanceResultd result(limit);
+    fcl::distance(first, first_placement, second, second_placement, request, result);
+    const auto& [p, q] = result.nearest_points;
+    return {std::max(result.min_distance, 0.0), {p.x(), p.y(), p.z(), q.x(), q.y(), q.z()}};
+}
+
+PeerScene::Couple CoupleOf(const fcl::CollisionObjectd& a, const fcl::CollisionObjectd& b) {
+    const auto first = reinterpret_cast<std::size_t>(a.getUserData());
+    const auto second = reinterpret_cast<std::size_t>(b.getUserData());
+    return {std::min(first, second), std::max(first, second)};
+}
+
+bool StandsBefore(const PeerScene::Couple& a, const PeerScene::Couple& b) {
+    return std::tie(a.first, a.second) < std::tie(b.first, b.second);
 }
 
 }  // namespace
@@ -60,6 +85,15 @@ bool PeerCollides(const PeerMesh& first,
     fcl::CollisionResultd result;
     return fcl::collide(first.model()->hierarchy.get(), TransformOf(first_placement),
                         second.model()->hierarchy.get(), TransformOf(second_placement), request, result) > 0;
+}
+
+PeerNearest PeerDistance(const PeerMesh& first,
+                         const MATRIX& first_placement,
+                         const PeerMesh& second,
+                         const MATRIX& second_placement,
+                         double limit) {
+    return Nearest(first.model()->hierarchy.get(), TransformOf(first_placement),
+                   second.model()->hierarchy.get(), TransformOf(second_placement), limit);
 }
 
 struct PeerScene::Manager {
@@ -101,17 +135,32 @@ std::vector<PeerScene::Couple> PeerScene::CollidingCouples() const {
         const fcl::CollisionRequestd request;
         fcl::CollisionResultd result;
         if (fcl::collide(a, b, request, result) > 0) {
-            const auto first = reinterpret_cast<std::size_t>(a->getUserData());
-            const auto second = reinterpret_cast<std::size_t>(b->getUserData());
-            static_cast<std::vector<Couple>*>(data)->push_back(
-                {std::min(first, second), std::max(first, second)});
+            static_cast<std::vector<Couple>*>(data)->push_back(CoupleOf(*a, *b));
         }
         return false;
     });
-    std::ranges::sort(couples, [](const Couple& a, const Couple& b) {
-        return std::tie(a.first, a.second) < std::tie(b.first, b.second);
-    });
+    std::ranges::sort(couples, StandsBefore);
     return couples;
+}
+
+std::vector<PeerScene::NearCouple> PeerScene::CouplesWithin(double clearance) const {
+    struct Search {
+        double limit;
+        std::vector<NearCouple> couples;
+    };
+    // Just above the clearance, so that a couple that is as far apart as the clearance counts.
+    Search search{std::nextafter(clearance, std::numeric_limits<double>::infinity()), {}};
+    const auto measure = [](fcl::CollisionObjectd* a, fcl::CollisionObjectd* b, void* data, double& reach) {
+        Search& s = *static_cast<Search*>(data);
+        reach = s.limit;  // of the boxes that the tree goes on to compare
+        const PeerNearest nearest = Nearest(a->collisionGeometry().get(), a->getTransform(),
+                                            b->collisionGeometry().get(), b->getTransform(), s.limit);
+        if (nearest.distance < s.limit) s.couples.push_back({CoupleOf(*a, *b), nearest});
+        return false;
+    };
+    manager_->tree.distance(&search, measure);
+    std::ranges::sort(search.couples, StandsBefore, &NearCouple::couple);
+    return std::move(search.couples);
 }
 
 }  // namespace tarn::bench

@@ -3,6 +3,8 @@
 #include "tarn/matrix.h"
 #include "tarn/triangle_data.h"
 
+#include <cstddef>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -28,6 +30,20 @@ bool PeerCollides(const PeerMesh& first,
                   const PeerMesh& second,
                   const MATRIX& second_placement);
 
+/// What FCL measures between two placed meshes: 0 where they collide.
+struct PeerNearest {
+    double distance;
+    SegmentData segment;
+};
+
+/// The distance and where it is. With a limit FCL looks no farther: a distance that is not below the limit
+/// comes out as the limit.
+PeerNearest PeerDistance(const PeerMesh& first,
+                         const MATRIX& first_placement,
+                         const PeerMesh& second,
+                         const MATRIX& second_placement,
+                         double limit = std::numeric_limits<double>::infinity());
+
 /// Placed meshes under FCL's dynamic tree of boxes.
 class PeerScene {
 public:
@@ -51,6 +67,13 @@ public:
     };
     /// All couples that collide, smaller index first, sorted.
     std::vector<Couple> CollidingCouples() const;
+
+    struct NearCouple {
+        Couple couple;
+        PeerNearest nearest;
+    };
+    /// All couples that are not farther apart than the clearance, sorted likewise.
+    std::vector<NearCouple> CouplesWithin(double clearance) const;
 
 private:
     struct Manager;

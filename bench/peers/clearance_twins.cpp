@@ -1,0 +1,242 @@
+#include "peers/clearance_twins.h"
+
+#include "digest.h"
+#include "proximity_tally.h"
+
+#include "tarn/factory.h"
+#include "tarn/proximity_outcome.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace tarn::bench {
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kPoses = 48;
+constexpr double kLeastGap = 1e-4;
+constexpr double kLargestGap = 0.1;
+
+/// How far measured distances lie above those that FCL measures.
+class Excess {
+public:
+    void Add(double own, double peer) {
+        if (peer <= 0.0) return;
+        ratios_.push_back(own / peer);
+        // Rounding of both sides aside.
+        if (own < peer * (1.0 - 1e-9) - 1e-9) ++below_;
+    }
+
+    void Report(benchmark::State& state) {
+        state.counters["measured"] = static_cast<double>(ratios_.size());
+        state.counters["below"] = static_cast<double>(below_);
+        if (ratios_.empty()) return;
+        std::ranges::sort(ratios_);
+        state.counters["ratio"] = ratios_[ratios_.size() / 2];
+        state.counters["worst"] = ratios_.back();
+    }
+
+private:
+    std::vector<double> ratios_;
+    std::size_t below_ = 0;
+};
+
+/// A pair in poses with gaps from the least to the largest, evenly by their logarithms.
+struct SeparatedPair {
+    SeparatedPair(const MeshPair& meshes, unsigned seed)
+        : diagonal(std::max(Diagonal(meshes.first), Diagonal(meshes.second))),
+          first_peer(meshes.first),
+          second_peer(meshes.second),
+          still(bodies.AddBody(meshes.first)),
+          moved(bodies.AddBody(meshes.second)) {
+        std::vector<double> gaps;
+        for (std::size_t i = 0; i < kPoses; ++i) {
+            const double share = static_cast<double>(i) / (kPoses - 1);
+            gaps.push_back(diagonal * kLeastGap * std::pow(kLargestGap / kLeastGap, share));
+        }
+        poses = PosesAtGaps(meshes.first, meshes.second, gaps, seed);
+    }
+
+    double diagonal;
+    PeerMesh first_peer;
+    PeerMesh second_peer;
+    test::Scene bodies;
+    details::CollisionBody* still;
+    details::CollisionBody* moved;
+    std::vector<MATRIX> poses;
+};
+
+class DistanceQuestion final : public PairQuestion {
+public:
+    DistanceQuestion(const Lazy<SeparatedPair>& pair, double clearance) : pair_(pair), clearance_(clearance) {
+        for (const MATRIX& pose : pair_->poses) {
+            const ProximityOutcome own = Tarn(pose);
+            const double distance = PeerDistance(pair_->first_peer, {}, pair_->second_peer, pose).distance;
+            tally_.Add(own);
+            digest_.Add(own);
+            if (own.distance >= 0.0) excess_.Add(own.distance, distance);
+            near_ += distance <= clearance_ ? 1U : 0U;
+        }
+    }
+
+    std::size_t PoseCount() const override { return pair_->poses.size(); }
+    void AskTarn(std::size_t pose) override { benchmark::DoNotOptimize(Tarn(pair_->poses[pose])); }
+    void AskPeer(std::size_t pose) override {
+        benchmark::DoNotOptimize(
+            PeerDistance(pair_->first_peer, {}, pair_->second_peer, pair_->poses[pose], clearance_));
+    }
+
+    void Report(benchmark::State& state, bool own) const override {
+        if (!own) {
+            state.counters["within"] = static_cast<double>(near_);
+            return;
+        }
+        state.counters["within"] = static_cast<double>(tally_.within);
+        state.counters["touching"] = static_cast<double>(tally_.touching);
+        state.counters["intersecting"] = static_cast<double>(tally_.intersecting);
+        state.counters["unjudged"] = static_cast<double>(tally_.unjudged);
+        state.counters["retained"] = static_cast<double>(tally_.retained) / kPoses;
+        Excess(excess_).Report(state);
+        state.SetLabel("digest " + digest_.Text());
+    }
+
+private:
+    ProximityOutcome Tarn(const MATRIX& pose) {
+        pair_->moved->SetMatrix(pose);
+        return MeasureProximity(pair_->still, pair_->moved, clearance_);
+    }
+
+    Lazy<SeparatedPair> pair_;
+    double clearance_;
+    ProximityTally tally_;
+    Digest digest_;
+    Excess excess_;
+    std::size_t near_ = 0;
+};
+
+/// Couples on which the two sides disagree, by kind.
+struct Disagreement {
+    // FCL finds these within the clearance, and the library reports none of them:
+    std::size_t touching = 0;  ///< named as touching
+    std::size_t unjudged = 0;  ///< named as not judged
+    std::size_t beyond = 0;    ///< taken to be beyond: the measured distance is above the clearance
+    // FCL does not, and the library
+    std::size_t tarn_only = 0;     ///< reports them
+    std::size_t unjudged_far = 0;  ///< names them as not judged
+};
+
+class ClearanceQuestion final : public SceneQuestion {
+public:
+    ClearanceQuestion(const Lazy<PosedScene>& scene, double share)
+        : scene_(scene),
+          clearance_(share * scene_->Diagonal()),
+          configuration_(make_unique_proximity_configuration()),
+          detector_(make_unique_proximity_detector()) {
+        for (const auto& body : scene_->Own().Bodies()) configuration_->AddElement(body.get());
+        configuration_->ConfigAllCouples({true, clearance_});
+        for (std::size_t i = 0; i < scene_->PoseCount(); ++i) {
+            scene_->PlaceOwn(i);
+            scene_->PlacePeer(i);
+            Compare();
+        }
+    }
+
+    PosedScene& Scene() override { return *scene_; }
+    void AskTarn() override {
+        ProximityResult result;
+        detector_->Check(result, *configuration_, CheckPolicy::AllInterferences);
+        benchmark::DoNotOptimize(result.Pairs.data());
+    }
+    void AskPeer() override { benchmark::DoNotOptimize(scene_->Peer().CouplesWithin(clearance_).data()); }
+
+    void Report(benchmark::State& state, bool own) const override {
+        const auto mean = [this](std::size_t count) {
+            return static_cast<double>(count) / static_cast<double>(scene_->PoseCount());
+        };
+        state.counters["bodies"] = static_cast<double>(scene_->BodyCount());
+        state.counters["yes"] = mean(own ? own_count_ : peer_count_);
+        if (!own) return;
+        state.counters["touching"] = mean(disagreement_.touching);
+        state.counters["unjudged"] = mean(disagreement_.unjudged);
+        state.counters["beyond"] = mean(disagreement_.beyond);
+        state.counters["tarn_only"] = mean(disagreement_.tarn_only);
+        state.counters["unjudged_far"] = mean(disagreement_.unjudged_far);
+        Excess(excess_).Report(state);
+        state.SetLabel("digest " + digest_.Text());
+    }
+
+private:
+    using Couple = std::pair<std::size_t, std::size_t>;
+
+    static Couple CoupleOf(const ICollisionBody& a, const ICollisionBody& b) {
+        return std::minmax<std::size_t>({a.GetId() - 1, b.GetId() - 1});
+    }
+
+    void Compare() {
+        ProximityResult result;
+        detector_->Check(result, *configuration_, CheckPolicy::AllInterferences);
+        digest_.Add(result);
+        own_count_ += result.Pairs.size();
+
+        std::map<Couple, ProximityOutcome> outcomes;
+        for (const ProximityPairOutcome& pair : MeasureProximity(*configuration_)) {
+            outcomes.emplace(CoupleOf(*pair.first, *pair.second), pair.outcome);
+        }
+        const auto peers = scene_->Peer().CouplesWithin(clearance_);
+        peer_count_ += peers.size();
+        for (const auto& [couple, nearest] : peers) {
+            const auto own = outcomes.extract({couple.first, couple.second});
+            if (own.empty()) {
+                ++disagreement_.beyond;
+            } else if (own.mapped().state == ProximityState::Touching) {
+                ++disagreement_.touching;
+            } else if (own.mapped().state == ProximityState::BeyondClearance) {
+                ++disagreement_.unjudged;
+            } else if (own.mapped().state == ProximityState::WithinClearance) {
+                excess_.Add(own.mapped().distance, nearest.distance);
+            }
+        }
+        // What is left, FCL does not find.
+        for (const auto& [couple, outcome] : outcomes) {
+            const bool is_judged = outcome.state != ProximityState::BeyondClearance;
+            ++(is_judged ? disagreement_.tarn_only : disagreement_.unjudged_far);
+        }
+    }
+
+    Lazy<PosedScene> scene_;
+    double clearance_;
+    std::unique_ptr<IProximityConfiguration> configuration_;
+    std::unique_ptr<IProximityDetector> detector_;
+    Digest digest_;
+    Disagreement disagreement_;
+    Excess excess_;
+    std::size_t own_count_ = 0;
+    std::size_t peer_count_ = 0;
+};
+
+}  // namespace
+
+void AddDistancePair(const std::string& name, const Lazy<MeshPair>& meshes, unsigned seed) {
+    const Lazy<SeparatedPair> pair([=] { return std::make_shared<SeparatedPair>(*meshes, seed); });
+    RegisterPairTwins("distance/" + name, Lazy<PairQuestion>([=] {
+                          return std::make_shared<DistanceQuestion>(pair, kInfinity);
+                      }));
+    RegisterPairTwins("distance_within_1%/" + name, Lazy<PairQuestion>([=] {
+                          return std::make_shared<DistanceQuestion>(pair, 0.01 * pair->diagonal);
+                      }));
+}
+
+void AddClearanceScene(const std::string& name, const Lazy<PosedScene>& scene) {
+    for (const auto& [label, share] : {std::pair{"0.1%", 0.001}, std::pair{"1%", 0.01}}) {
+        RegisterSceneTwins(std::string("within_") + label, name, Lazy<SceneQuestion>([=] {
+                               return std::make_shared<ClearanceQuestion>(scene, share);
+                           }));
+    }
+}
+
+}  // namespace tarn::bench
