@@ -70,8 +70,8 @@ private:
         const std::size_t unjudged_count = CountOf(report_, Nearness::NotJudged);
         if (unjudged_count > 0) {
             Warn(
-                fmt::format("{} couples are not judged, because centres of their boxes all but coincide, as "
-                            "those of concentric parts do: they may be nearer than the clearance, or not",
+                fmt::format("{} couples are not judged, because box centres all but coincide (see --help): "
+                            "they may be too near, or not",
                             unjudged_count));
         }
         return report_.couples.size() > unjudged_count;

@@ -27,20 +27,18 @@ constexpr const char* kCheckFooter =
 
 constexpr const char* kClearanceFooter =
     "Couples are listed nearest first, in one of these states:\n"
-    "  intersecting  triangles of the two cross\n"
-    "  touching      nearer than about 0.03 mm (squared distance below 0.001), without a place\n"
+    "  intersecting  triangles of the two cross; \"check\" shows where\n"
+    "  touching      nearer than about 0.03 mm (squared distance below 0.001) wherever measured\n"
     "  too near      within the clearance, with the distance and the segment along which it was measured\n"
-    "  not judged    the boxes of the two come within the clearance, but the search ended at once: it looks\n"
-    "                no farther than from one box centre to another, and two of them all but coincide.\n"
-    "                Concentric parts are the usual case, such as a shaft in its bush.\n"
-    "A distance is never below the true one, and can be above it, so a couple that is a little nearer than\n"
-    "the clearance can be passed over. Tolerances are absolute and suit millimetres; those of \"check\" "
-    "come\n"
-    "on top.\n"
+    "  not judged    within the clearance as far as the boxes tell. The search looks no farther than from\n"
+    "                the nearest box centre of one to one of the other, and where two centres all but\n"
+    "                coincide, it looks at nothing. Concentric parts are like that: a shaft in its bush.\n"
+    "A distance is never below the true one, up to rounding, and can be above it, so a couple that is a\n"
+    "little nearer than the clearance can be missed. Places that touch are left out where others are\n"
+    "farther apart. Tolerances are absolute and suit millimetres; those of \"check\" come on top.\n"
     "\n"
-    "Exit status: 0 all couples that were judged keep the clearance, 1 some do not, 2 the check could not "
-    "be\n"
-    "done.";
+    "Exit status: 0 nothing intersects, touches or is too near, 1 something does, 2 the check could not be\n"
+    "done. Couples that are not judged do not count.";
 
 const std::map<std::string, tarn::CheckPolicy>& Policies() {
     static const std::map<std::string, tarn::CheckPolicy> policies = {
