@@ -54,11 +54,15 @@ TEST(Factory, MakesABodyOverAnElementUnderTheElementsName) {
 }
 
 TEST(Factory, MakesIndependentConfigurations) {
-    const std::unique_ptr<ICollisionConfiguration> raw(make_configuration());
     const auto body = make_shared_body(1, 1, "body");
+    const std::unique_ptr<ICollisionConfiguration> raw(make_configuration());
     raw->AddElement(body.get());
     EXPECT_TRUE(make_unique_configuration()->RetrieveElements().empty());
     EXPECT_TRUE(make_shared_configuration()->RetrieveElements().empty());
+    const std::unique_ptr<IProximityConfiguration> proximity(make_proximity_configuration());
+    proximity->AddElement(body.get());
+    EXPECT_TRUE(make_unique_proximity_configuration()->RetrieveElements().empty());
+    EXPECT_TRUE(make_shared_proximity_configuration()->RetrieveElements().empty());
 }
 
 }  // namespace
