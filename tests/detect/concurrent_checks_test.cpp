@@ -1,12 +1,16 @@
 #include "detect/collision_detector.h"
+#include "detect/proximity_detector.h"
 #include "support/meshes.h"
 #include "support/placements.h"
 #include "support/scene.h"
 
 #include "tarn/factory.h"
+#include "tarn/proximity_outcome.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <barrier>
 #include <random>
 #include <thread>
@@ -60,6 +64,45 @@ TEST(ConcurrentChecks, ApplyPlacementsAndRefreshSharedBodiesOnceBesideReaders) {
         for (const Couples& couples : found) EXPECT_EQ(couples, found[0]);
         EXPECT_EQ(InterferingCouples(scene.Configuration()), found[0]);
         EXPECT_FALSE(found[0].empty());
+    }
+}
+
+// The same for clearances: the couples of one configuration among themselves, the candidates of a couple, and
+// single couples that are measured on other threads all reach the same stale boxes and leaves.
+TEST(ConcurrentChecks, MeasureSharedBodiesBesideEachOther) {
+    Scene scene;
+    ICollisionElement* ball = scene.AddElement(test::BumpyBallMesh(1.5, 8));
+    for (std::size_t i = 0; i < 12; ++i) scene.AddBody(ball, {});
+    scene.Clearances().ConfigAllCouples({true, 2.5});
+    std::mt19937_64 random(2);
+    for (int move = 0; move < 6; ++move) {
+        for (const auto& body : scene.Bodies()) body->SetMatrix(test::RandomRigid(random, 5.0));
+        std::array<ProximityResult, 2> results;
+        std::array<double, 2> distances{};
+        std::barrier start(4);
+        std::vector<std::thread> threads;
+        for (const std::size_t i : {0U, 1U}) {
+            threads.emplace_back([&, i] {
+                start.arrive_and_wait();
+                ProximityDetector().Check(results[i], scene.Clearances(),
+                                          CheckPolicy::AllInterferencesWithTriangles);
+            });
+            threads.emplace_back([&, i] {
+                start.arrive_and_wait();
+                ICollisionBody* const body = scene.Bodies()[i].get();
+                for (const auto& other : scene.Bodies())
+                    distances[i] += MeasureProximity(body, other.get(), 9.0).distance;
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_GT(results[0].Pairs.size(), 5U);
+        EXPECT_TRUE(std::ranges::equal(results[0].Pairs, results[1].Pairs, {}, &ProximityPairResult::distance,
+                                       &ProximityPairResult::distance));
+        for (const std::size_t i : {0U, 1U}) {
+            for (const auto& other : scene.Bodies())
+                distances[i] -= MeasureProximity(scene.Bodies()[i].get(), other.get(), 9.0).distance;
+            EXPECT_NEAR(distances[i], 0.0, 1e-12);
+        }
     }
 }
 
