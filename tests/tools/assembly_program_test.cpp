@@ -1,5 +1,5 @@
 #include "gltf_samples.h"
-#include "program_run.h"
+#include "program_expectations.h"
 #include "readers/file_content.h"
 #include "stl_samples.h"
 
@@ -13,10 +13,6 @@ namespace tarn::program {
 namespace {
 
 using Names = std::set<std::string>;
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 std::string QuotedField(const std::string& name) {
     std::string field(1, '"');
@@ -53,16 +49,24 @@ protected:
         return RunTarn(options);
     }
 
-    /// The interfering couples, each as "first | second", in the program's JSON.
-    Names Couples(std::vector<std::string> options) const {
-        options.insert(options.end(), {"--format", "json"});
-        const Json json = Json::parse(Check(options).output);
+    static Names NamesOf(const Json& couples) {
         Names names;
-        for (const Json& couple : json["interferences"]) {
+        for (const Json& couple : couples) {
             names.insert(couple["first"]["name"].get<std::string>() + " | " +
                          couple["second"]["name"].get<std::string>());
         }
         return names;
+    }
+
+    /// The interfering couples, each as "first | second", in the program's JSON. Both commands choose the same.
+    Names Couples(std::vector<std::string> options) const {
+        options.insert(options.end(), {"--format", "json"});
+        const Json checked = Json::parse(Check(options).output);
+        options.insert(options.begin(), {"clearance", robot_, "--clearance", "0.1"});
+        const Json measured = Json::parse(RunTarn(options).output);
+        EXPECT_EQ(measured["summary"]["couples"], checked["summary"]["couples"]);
+        EXPECT_EQ(NamesOf(measured["couples"]), NamesOf(checked["interferences"]));
+        return NamesOf(checked["interferences"]);
     }
 
     const TemporaryFolder folder_;

@@ -1,3 +1,4 @@
+#include "data_folder.h"
 #include "readers/file_content.h"
 #include "readers/program_error.h"
 #include "readers/stl_reader.h"
@@ -5,19 +6,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace tarn::program {
 namespace {
 
-/// Awkward files from real exporters, and damaged copies of a real part. They are no part of the project:
-/// the build says where they lie, or the variable TARN_DATA does.
+/// Awkward files from real exporters, and damaged copies of a real part.
 class NastyFiles : public testing::Test {
 protected:
     void SetUp() override {
-        const char* const folder = std::getenv("TARN_DATA");
-        folder_ = std::filesystem::path(folder == nullptr ? TARN_DATA_DIR : folder) / "nasty";
+        folder_ = DataFolder() / "nasty";
         if (!std::filesystem::is_directory(folder_)) GTEST_SKIP() << "no folder " << folder_;
     }
 

@@ -1,4 +1,4 @@
-#include "program_run.h"
+#include "program_expectations.h"
 #include "readers/file_content.h"
 #include "readers/stl_reader.h"
 #include "stl_samples.h"
@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <iterator>
-#include <sstream>
 #include <tuple>
 
 namespace tarn::program {
@@ -33,28 +31,6 @@ protected:
     const std::string upright_ = folder_.Write("upright.stl", BinaryStl({kUpright}));
     const std::string apart_ = folder_.Write("apart.stl", TextStl({kApart}));
 };
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-/// The words of a line, so that the width of columns does not matter.
-std::vector<std::string> WordsOfLine(const std::string& text, int number) {
-    std::istringstream lines(text);
-    std::string line;
-    for (int index = 0; index < number; ++index) std::getline(lines, line);
-    std::istringstream words(line);
-    return {std::istream_iterator<std::string>(words), {}};
-}
-
-/// Whether the run failed as every failure should: status 2, silence, one line that says what and why.
-void ExpectFailure(const ProgramRun& run, const std::string& cause) {
-    EXPECT_EQ(run.status, 2) << cause;
-    EXPECT_EQ(run.output, "") << cause;
-    EXPECT_TRUE(run.errors.starts_with("tarn: ") && Contains(run.errors, cause))
-        << cause << ": " << run.errors;
-    EXPECT_TRUE(run.errors.ends_with('\n') && std::ranges::count(run.errors, '\n') == 1) << run.errors;
-}
 
 TEST_F(Program, ReportsTheInterferingCoupleWithItsCentre) {
     const ProgramRun run = Check({apart_, level_, upright_});

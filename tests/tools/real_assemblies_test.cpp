@@ -1,3 +1,4 @@
+#include "data_folder.h"
 #include "mesh_size_check.h"
 #include "readers/file_content.h"
 #include "readers/model_file.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 
@@ -24,13 +24,11 @@ struct Facts {
     Corner low, high;
 };
 
-/// Real assemblies and parts. They are no part of the project: the build says where they lie, or the variable
-/// TARN_DATA does.
+/// Real assemblies and parts.
 class RealAssemblies : public testing::Test {
 protected:
     void SetUp() override {
-        const char* const folder = std::getenv("TARN_DATA");
-        folder_ = std::filesystem::path(folder == nullptr ? TARN_DATA_DIR : folder);
+        folder_ = DataFolder();
         if (!std::filesystem::is_directory(folder_)) GTEST_SKIP() << "no folder " << folder_;
     }
 
