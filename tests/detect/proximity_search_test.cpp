@@ -186,32 +186,36 @@ TEST(ProximitySearch, FindsWhatThePlainRulesFind) {
     EXPECT_GT(std::min({measured_beyond, not_judged, ties, large}), 100);
 }
 
-// Retained leaf pairs by the hundred thousand: whatever is done in batches is done in several.
+// Retained leaf pairs by the hundred thousand: whatever is done in batches is done in several. Edges cross
+// above edges, all equally high; a single one that is nearer comes early.
 TEST(ProximitySearch, FindsTheSameAmongManyCandidatesAtAnyNumberOfThreads) {
-    std::mt19937_64 random(3);
     Scene scene(1);
-    Mesh meshes[2];
-    for (Mesh& mesh : meshes) {
-        for (const TriangleData& t : test::TriangleSoup(random, 360, 0.5, 0.5)) {
-            mesh.push_back({t.v0x - 4, t.v0y - 4, t.v0z - 4, t.v1x + 4, t.v1y + 4, t.v1z + 4, t.v2x + 4,
-                            t.v2y - 4, t.v2z});
-        }
+    Mesh along_x;
+    Mesh along_y;
+    for (int i = 0; i < 330; ++i) {
+        const double x = i % 19 / 16.0;
+        const double y = i / 19 / 16.0;
+        along_x.push_back({x - 4, y, -4, x + 4, y, -4, x, y, 4});
+        along_y.push_back({x, y - 4, 4, x, y + 4, 4, x, y, -4});
     }
-    CollisionBody& first = *scene.AddBody(meshes[0]);
-    CollisionBody& second = *scene.AddBody(meshes[1]);
+    CollisionBody& upper = *scene.AddBody(along_x, test::Translation(0, 0, 14));
+    CollisionBody& lower = *scene.AddBody(along_y);
+    along_y.push_back({0, -4, 9, 0, 4, 9, 0, 0, -4});
+    CollisionBody& nearer = *scene.AddBody(along_y);
     // Triangles one upon the other, which make a tree as deep as they are many and nothing but ties.
     CollisionBody& chain = *scene.AddBody(Mesh(2500, {0, 0, 0, 9, 0, 0, 0, 9, 3}));
     CollisionBody& other_chain = *scene.AddBody(Mesh(50, {0, 0, 4, 9, 0, 4, 0, 9, 7}));
-    second.SetMatrix(test::Translation(0, 0, 14));
     for (const std::size_t threads : {1U, 2U}) {
         RunWithThreadLimit(threads, [&] {
-            EXPECT_GT(FindsAsPlain(first, second, kInfinity).outcome.retained_count, 100000U);
-            const test::PlainFinding found = FindsAsPlain(chain, other_chain, 100.0);
-            EXPECT_EQ(found.outcome.retained_count, 125000U);
-            EXPECT_EQ(found.winner_count, 125000U);
+            const test::PlainFinding tied = FindsAsPlain(lower, upper, kInfinity);
+            EXPECT_GT(tied.outcome.retained_count, 100000U);
+            EXPECT_EQ(tied.winner_count, tied.outcome.retained_count);
+            const test::PlainFinding found = FindsAsPlain(nearer, upper, 100.0);
+            EXPECT_GT(found.outcome.retained_count, 100000U);
+            EXPECT_EQ(found.outcome.distance, 1.0);
         });
     }
-    FindsAsPlain(second, first, 9.0);
+    EXPECT_EQ(FindsAsPlain(chain, other_chain, 100.0).winner_count, 125000U);
     FindsAsPlain(other_chain, chain, 3.0);
 }
 
