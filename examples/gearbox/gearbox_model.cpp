@@ -33,8 +33,8 @@ CriticalDimensions SoundDimensions() {
     return {};
 }
 
-// Where parts interfere, the deviation exceeds the clearance that it uses up by several tenths of a millimetre;
-// where they are too near, about 0.05 mm is left. So no tolerance decides.
+// Where parts interfere, the deviation exceeds the clearance that it uses up by several tenths of a
+// millimetre; where they are too near, about 0.05 mm is left. So no tolerance decides.
 CriticalDimensions FaultyDimensions() {
     CriticalDimensions dimensions;
     dimensions.output_shaft_x -= 1.5;

@@ -189,8 +189,8 @@ Solid EndWall(const ShaftLines& lines, End end) {
     return end == End::Front ? Stack(kWallInside, {floor, drilled}) : Stack(-kWallOutside, {drilled, floor});
 }
 
-// A cap about its axis, for the front. Its spigot holds the bearing in place, but for some play; with a seal it
-// is open for the shaft.
+// A cap about its axis, for the front. Its spigot holds the bearing in place, but for some play; with a seal
+// it is open for the shaft.
 Solid BearingCap(const ShaftLine& line, const SealSize* seal, double play) {
     const double spigot_end = kBearingInside + line.bearing.width + play;
     const Contour spigot_outside = Circle({}, line.bearing.outer_radius - kSlip);

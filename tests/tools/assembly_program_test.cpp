@@ -58,7 +58,8 @@ protected:
         return names;
     }
 
-    /// The interfering couples, each as "first | second", in the program's JSON. Both commands choose the same.
+    /// The interfering couples, each as "first | second", in the program's JSON. Both commands choose the
+    /// same.
     Names Couples(std::vector<std::string> options) const {
         options.insert(options.end(), {"--format", "json"});
         const Json checked = Json::parse(Check(options).output);

@@ -14,7 +14,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// One triangle in each part. Those above the level one, which lies in z = 0, are nearest at their first corners.
+// One triangle in each part. Those above the level one, which lies in z = 0, are nearest at their first
+// corners.
 class ClearanceProgram : public testing::Test {
 protected:
     std::string Write(const std::string& name, const tarn::TriangleData& triangle) const {
@@ -40,7 +41,8 @@ protected:
     const std::string resting_ = Write("resting.stl", {3, 0, 0.02, 13, 0, 0.02, 3, 10, 0.02});
     const std::string third_ = Write("third.stl", {2, 1, 1 / 3.0, 9, 1, 8, 1, 9, 8});
     const std::string half_ = Write("half.stl", {3, 4, 0.5, 9, 1, 8, 1, 9, 8});
-    // Its box and the level part's have one centre, so nothing is nearer than the centres. The two are 2.4 apart.
+    // Its box and the level part's have one centre, so nothing is nearer than the centres. The two are 2.4
+    // apart.
     const std::string around_ = Write("around.stl", {11, -1, -3, 11, 11, 3, -1, 11, -3});
     const std::string far_ = Write("far.stl", {0, 0, 50, 10, 0, 50, 0, 10, 50});
 };
