@@ -78,7 +78,9 @@ void CandidateEvaluation::EvaluateRound(std::span<const Candidate> round) {
         }
     });
     for (const NearestTriangles& measured : measured_) {
+        const bool touches = nearest_.touches || measured.touches;
         if (measured.WinsOver(nearest_)) nearest_ = measured;
+        nearest_.touches = touches;
     }
 }
 
@@ -97,7 +99,11 @@ NearestTriangles CandidateEvaluation::Evaluate(const Candidate& candidate) const
             if (CannotWin(box_distance_squared)) continue;
             if (nearest.is_valid && CannotWin(box_distance_squared, nearest.distance_squared)) continue;
             const TrianglePairDistance distance = TrianglePairDistanceBound(first.edges, second.edges);
-            if (distance.distance_squared < kTouchDistanceSquared) return {};
+            if (distance.distance_squared < kTouchDistanceSquared) {
+                NearestTriangles touching;
+                touching.touches = true;
+                return touching;
+            }
             const bool is_nearer = nearest.is_valid ? distance.distance_squared < nearest.distance_squared
                                                     : !std::isnan(distance.distance_squared);
             if (!is_nearer) continue;

@@ -18,6 +18,7 @@ inline constexpr double kTouchDistanceSquared = 0.001;
 /// The nearest triangle pair of one or more pairs of leaves.
 struct NearestTriangles {
     bool is_valid = false;  ///< false where nothing was measured, or a touching pair was met
+    bool touches = false;   ///< a touching pair was met
     double distance_squared = 0.0;
     std::uint64_t number = 0;  ///< of the leaf pair, in traversal order
     TriangleHit triangles;
@@ -42,7 +43,8 @@ struct NearestTriangles {
 /// roundings of M: some tens of roundings of U (U + M) in all. So where
 ///     squared box distance - 64 * 2^-53 * U (U + M) > best
 /// the measured distance is above the best, strictly: the pair is neither chosen nor a tie. It does not touch
-/// either, as a valid best is at least the touch threshold. A comparison with NaN leaves nothing out.
+/// either, as a valid best is at least the touch threshold: every touching pair is met. A comparison with NaN
+/// leaves nothing out.
 class CandidateEvaluation {
 public:
     CandidateEvaluation(const AABBHierarchy& first, const AABBHierarchy& second);
@@ -52,7 +54,7 @@ public:
     /// Takes the next leaf pair in traversal order.
     void Add(const NodePair& leaves, double box_distance_squared);
 
-    /// The nearest triangles of all leaf pairs added.
+    /// The nearest triangles of all leaf pairs added that do not touch, and whether any touches.
     const NearestTriangles& Finish();
 
     std::uint64_t added_count() const { return added_count_; }

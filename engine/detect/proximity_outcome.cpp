@@ -24,7 +24,7 @@ ProximityOutcome Measure(const CollisionBody& first, const CollisionBody& second
 }
 
 bool IsKept(const ProximityOutcome& outcome) {
-    return outcome.state != ProximityState::BeyondClearance || !outcome.is_judged;
+    return outcome.state != ProximityState::BeyondClearance || outcome.touches || !outcome.is_judged;
 }
 
 }  // namespace

@@ -100,6 +100,7 @@ private:
 
     void Judge(const NearestTriangles& nearest) {
         ProximityOutcome& outcome = finding_.outcome;
+        outcome.touches = nearest.touches;
         if (nearest.is_valid) {
             outcome.state = StateOf(nearest.distance_squared, clearance_squared_);
             outcome.distance = std::sqrt(nearest.distance_squared);

@@ -21,7 +21,9 @@
 namespace tarn::program {
 namespace {
 
+/// Where parts touch, they are no farther apart, whatever was measured elsewhere.
 Nearness NearnessOf(const tarn::ProximityOutcome& outcome) {
+    if (outcome.touches) return Nearness::Touching;
     switch (outcome.state) {
         case tarn::ProximityState::Intersecting:
             return Nearness::Intersecting;

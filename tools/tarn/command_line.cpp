@@ -28,15 +28,14 @@ constexpr const char* kCheckFooter =
 constexpr const char* kClearanceFooter =
     "Couples are listed nearest first, in one of these states:\n"
     "  intersecting  triangles of the two cross; \"check\" shows where\n"
-    "  touching      nearer than about 0.03 mm (squared distance below 0.001) wherever measured\n"
+    "  touching      nearer than about 0.03 mm (squared distance below 0.001) at some place\n"
     "  too near      within the clearance, with the distance and the segment along which it was measured\n"
     "  not judged    within the clearance as far as the boxes tell. The search looks no farther than from\n"
     "                the nearest box centre of one to one of the other, and where two centres all but\n"
     "                coincide, it looks at nothing. Concentric parts are like that: a shaft in its bush.\n"
     "A distance is never below the true one, up to rounding, and can be above it, so a couple that is a\n"
-    "little nearer than the clearance can be missed. So can one that touches in one place only, since\n"
-    "places that touch are left out where others are farther apart. Tolerances are absolute and suit\n"
-    "millimetres; those of \"check\" come on top.\n"
+    "little nearer than the clearance can be missed. Tolerances are absolute and suit millimetres; those\n"
+    "of \"check\" come on top.\n"
     "\n"
     "Exit status: 0 nothing intersects, touches or is too near, 1 something does, 2 the check could not be\n"
     "done. Couples that are not judged do not count.";

@@ -36,6 +36,9 @@ struct ProximityOutcome {
     double bound = 0.0;
     /// How many pairs of leaves came within the bound. 0 where the bodies intersect.
     std::uint64_t retained_count = 0;
+    /// Whether some retained pair of leaves touches. Such pairs are left out, and where others were measured,
+    /// `state` and `distance` are those of the others: the bodies are nearer than that, and touch.
+    bool touches = false;
     /// False where nothing is known for certain: the distance was measured beyond the clearance, or not at
     /// all, and two box centres lie nearer each other than the clearance, so that the bound left out pairs of
     /// leaves that may be nearer. Concentric parts, such as a shaft in its bush, are the usual case. In other
@@ -62,7 +65,8 @@ struct ProximityPairOutcome {
                                                          double clearance);
 
 /// The same for all enabled couples of a configuration, each with its own clearance, in parallel. Couples
-/// that are judged to be beyond their clearance are left out, the others stand in couple order. Throws what a
+/// that do not touch and are judged to be beyond their clearance are left out, the others stand in couple
+/// order. Throws what a
 /// check throws. Thread-safety as for a check.
 [[nodiscard]] TARN_API std::vector<ProximityPairOutcome> MeasureProximity(
     IProximityConfiguration& configuration);
