@@ -104,10 +104,11 @@ TEST(ProximityDetector, ReportsWhatThePlainSearchFindsForEveryPolicyAndThreadCou
                                                     {true, 0.25 * static_cast<double>(1 + random() % 8)});
             }
         }
-        const auto [pairs, outcomes] = ExpectedOf(scene);
+        const Expected expected = ExpectedOf(scene);
+        const std::vector<ProximityPairResult>& pairs = expected.pairs;
         ASSERT_GT(std::ranges::count(pairs, true, &ProximityPairResult::IntersectionFound), 3);
         ASSERT_GT(std::ranges::count(pairs, false, &ProximityPairResult::IntersectionFound), 5);
-        ASSERT_GE(outcomes.size(), pairs.size() + 2);
+        ASSERT_GE(expected.outcomes.size(), pairs.size() + 2);
         for (const std::size_t threads : {1U, 2U, 8U}) {
             RunWithThreadLimit(threads, [&] {
                 for (const CheckPolicy policy : kPolicies) {
@@ -126,12 +127,13 @@ TEST(ProximityDetector, ReportsWhatThePlainSearchFindsForEveryPolicyAndThreadCou
                     }
                     ASSERT_TRUE(std::ranges::equal(
                         result.Pairs, wanted,
-                        [](const auto& found, const auto& expected) { return AreSame(found, expected); }));
+                        [](const auto& one, const auto& other) { return AreSame(one, other); }));
                     EXPECT_EQ(&result.get_Triangles(), &result.get_Pairs()[0].Triangles);
                 }
                 const std::vector<ProximityPairOutcome> found = MeasureProximity(scene.Clearances());
                 ASSERT_TRUE(std::ranges::equal(
-                    found, outcomes, [](const auto& one, const auto& other) { return AreSame(one, other); }));
+                    found, expected.outcomes,
+                    [](const auto& one, const auto& other) { return AreSame(one, other); }));
             });
         }
     }
