@@ -18,6 +18,13 @@ std::error_code StreamError() {
                       : std::make_error_code(std::errc::io_error);
 }
 
+/// A name in the folder of another file. Made of strings: where memory runs out while a path is changed in
+/// place, the standard library of GCC 12 leaves it broken.
+fs::path Beside(const fs::path& file, const std::string& name) {
+    const std::string text = file.string();
+    return {text.substr(0, text.size() - file.filename().string().size()) + name};
+}
+
 /// The file that a name stands for in the end, which need not exist: a link may dangle.
 fs::path FollowLinks(const fs::path& target, std::error_code& error) {
     constexpr int kLongestChain = 40;  // as the systems' own limit, against links in a circle
@@ -26,7 +33,7 @@ fs::path FollowLinks(const fs::path& target, std::error_code& error) {
         std::error_code is_no_link;
         const fs::path next = fs::read_symlink(path, is_no_link);
         if (is_no_link) return path;
-        path = path.parent_path() / next;  // an absolute `next` replaces all
+        path = next.is_absolute() ? next : Beside(path, next.string());
     }
     error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
     return target;
@@ -39,9 +46,8 @@ public:
         constexpr int kAttempts = 100;
         std::random_device random;
         for (int attempt = 0; attempt < kAttempts; ++attempt) {
-            fs::path candidate = neighbour;
-            candidate.replace_filename(".tarn-" + std::to_string(random()) + std::to_string(random()) +
-                                       ".tmp");
+            fs::path candidate =
+                Beside(neighbour, ".tarn-" + std::to_string(random()) + std::to_string(random()) + ".tmp");
             // "x" asks for a file that is new, so that nobody else's file or link is ever followed.
             if (std::FILE* const file = std::fopen(candidate.string().c_str(), "wbx")) {
                 std::fclose(file);
