@@ -95,6 +95,7 @@ inline void CollectPlainLeafPairs(const PlacedNode& a, const PlacedNode& b, Plai
 
 struct PlainCandidate {
     bool is_valid = false;
+    bool touches = false;
     double distance_squared = -1.0;
     SegmentData segment{};
     TriangleDataPair triangles{};
@@ -108,13 +109,13 @@ inline PlainCandidate PlainMeasure(const std::vector<details::Triangle>& first,
             const details::EdgeForm a(i);
             const details::EdgeForm b(j);
             const auto found = TrianglePairDistanceBound(a, b);
-            if (found.distance_squared < 0.001) return {};
+            if (found.distance_squared < 0.001) return {.touches = true};
             if (best.is_valid ? !(found.distance_squared < best.distance_squared)
                               : std::isnan(found.distance_squared))
                 continue;
             const details::Vector3 p = a.PointAt(found.s1, found.t1);
             const details::Vector3 q = b.PointAt(found.s2, found.t2);
-            best = {true, found.distance_squared, {p.x, p.y, p.z, q.x, q.y, q.z}, {i, j}};
+            best = {true, false, found.distance_squared, {p.x, p.y, p.z, q.x, q.y, q.z}, {i, j}};
         }
     }
     return best;
@@ -155,6 +156,7 @@ inline PlainFinding PlainProximity(const details::CollisionBody& first,
     PlainCandidate best;
     for (const auto& [a, b] : retained) {
         const PlainCandidate candidate = PlainMeasure(a.Triangles(), b.Triangles());
+        if (candidate.touches) outcome.touches = true;
         if (!candidate.is_valid) continue;
         const bool is_nearest = !best.is_valid || candidate.distance_squared < best.distance_squared;
         if (is_nearest) finding.winner_count = 0;
