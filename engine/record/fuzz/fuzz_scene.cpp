@@ -1,3 +1,4 @@
+#include "support/owned_scene.h"
 #include "support/scene_content.h"
 
 #include "tarn/exception.h"
@@ -12,7 +13,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
 #include <system_error>
 
@@ -43,14 +43,7 @@ void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-struct Release {
-    template <typename Configuration>
-    void operator()(Configuration* configuration) const {
-        ReleaseScene(configuration);
-    }
-};
-template <typename Configuration>
-using OwnedScene = std::unique_ptr<Configuration, Release>;
+using test::OwnedScene;
 
 /// The scene in a file, or null with `*out` untouched where the file is none of that kind.
 template <typename Configuration>

@@ -1,0 +1,229 @@
+#include "support/owned_scene.h"
+#include "support/scene_content.h"
+#include "tools/temporary_folder.h"
+
+#include "tarn/exception.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+namespace {
+
+using program::TemporaryFolder;
+using test::ContentOf;
+using test::OwnedScene;
+using test::RetrieveScene;
+using test::SceneContent;
+
+/// A sound tag whose attributes stand in double quotes, each a word of its own.
+constexpr std::string_view kOwner = R"(<owner id="5"/>)";
+constexpr std::string_view kElement = R"(<element owner="5" name="a" id="7" leaves="3" depth="0">)";
+constexpr std::string_view kTriangle =
+    R"(<triangle x0="0" y0="0" z0="0" x1="1" y1="0" z1="0" x2="0" y2="1" z2="0"/>)";
+constexpr std::string_view kPair = R"(<pair first="7" second="7"/>)";
+constexpr std::string_view kClearPair = R"(<pair first="7" second="7" clearance="2"/>)";
+
+/// A tag with another value of an attribute.
+std::string With(std::string_view tag, const std::string& attribute, const std::string& value) {
+    std::string text(tag);
+    const std::size_t begin = text.find(" " + attribute + "=\"") + attribute.size() + 3;
+    return text.replace(begin, text.find('"', begin) - begin, value);
+}
+
+/// A tag without an attribute.
+std::string Without(std::string_view tag, const std::string& attribute) {
+    std::string text(tag);
+    const std::size_t begin = text.find(" " + attribute + "=\"");
+    return text.erase(begin, text.find('"', begin + attribute.size() + 3) + 1 - begin);
+}
+
+/// Tags as a whole scene, on three lines.
+std::string Collision(const std::string& tags) {
+    return "<scene type=\"collision\">\n" + tags + "\n</scene>";
+}
+
+std::string Proximity(const std::string& tags) {
+    return With(Collision(tags), "type", "proximity");
+}
+
+std::string Element(const std::string& start, const std::string& content) {
+    return start + content + "</element>";
+}
+std::string ElementWith(const std::string& content) {
+    return Element(std::string(kElement), content);
+}
+
+template <typename Configuration>
+OwnedScene<Configuration> RetrieveText(const std::string& text) {
+    const TemporaryFolder folder;
+    return RetrieveScene<Configuration>(folder.Write("scene.xml", text));
+}
+
+/// The message of the inconsistency that retrieving a text meets, and of what caused it.
+template <typename Configuration = ICollisionConfiguration>
+std::pair<std::string, std::string> FaultOf(const std::string& text) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("scene.xml", text);
+    Configuration* configuration = nullptr;
+    try {
+        make_unique_recorder()->Retrieve(path, &configuration);
+        ADD_FAILURE() << "retrieved: " << text;
+        ReleaseScene(configuration);
+    } catch (const InconsistentDataException& error) {
+        EXPECT_EQ(configuration, nullptr);
+        return {error.message(), error.nested() ? error.nested()->message() : ""};
+    }
+    return {};
+}
+using Fault = std::pair<std::string, std::string>;
+
+TEST(Retrieve, NamesTheMalformedElementAsItIsWritten) {
+    EXPECT_EQ(FaultOf(Collision("<oWner/>")), Fault("No 'id' attribute found for owner 'oWner'",
+                                                    "Missing attribute 'id' of 'oWner' (line 2)"));
+    for (const char* const value :
+         {"", "x", "1.0", "12abc", "9223372036854775808", "-9223372036854775809", "+-1"})
+        EXPECT_EQ(FaultOf(Collision(With(kOwner, "id", value))),
+                  Fault("No 'id' attribute found for owner 'owner'",
+                        "Unreadable attribute 'id' of 'owner' (line 2): '" + std::string(value) + "'"));
+
+    for (const char* const attribute : {"owner", "name", "id", "leaves", "depth"})
+        EXPECT_EQ(FaultOf(Collision(Element(Without(kElement, attribute), ""))),
+                  Fault("No attributes found for element 'element'",
+                        "Missing attribute '" + std::string(attribute) + "' of 'element' (line 2)"));
+
+    for (const char* const attribute : {"first", "second"}) {
+        const std::string name(attribute);
+        const std::string message = "No 'id' attribute found for pair 'pair'";
+        const Fault missing(message, "Missing attribute '" + name + "' of 'pair' (line 2)");
+        EXPECT_EQ(FaultOf(Collision(Without(kPair, name))), missing);
+        EXPECT_EQ(FaultOf<IProximityConfiguration>(Proximity(Without(kClearPair, name))), missing);
+        EXPECT_EQ(FaultOf(Collision(With(kPair, name, "-1"))),
+                  Fault(message, "Unreadable attribute '" + name + "' of 'pair' (line 2): '-1'"));
+    }
+}
+
+TEST(Retrieve, RefusesValuesThatNothingCanBeBuiltFrom) {
+    const auto expect = [](const Fault& fault, const std::string& message) {
+        EXPECT_EQ(fault, Fault(message, ""));
+    };
+    for (const auto& [attribute, value] : {std::pair("owner", "9223372036854775808"),
+                                           {"owner", "5 5"},
+                                           {"id", "-1"},
+                                           {"id", "4294967296"},
+                                           {"id", "0x-7"},
+                                           {"leaves", "-1"},
+                                           {"leaves", "32768"},
+                                           {"leaves", "5.0"}})
+        expect(
+            FaultOf(Collision(Element(With(kElement, attribute, value), ""))),
+            "Unreadable attribute '" + std::string(attribute) + "' of 'element' (line 2): '" + value + "'");
+    for (const char* const value :
+         {"", " ", "0,5", "1.5x", "1 2", "nan", "inf", "-inf", "1e309", "+-1", "--1", "0x", "-0x-1", "e5"})
+        expect(FaultOf(Collision(ElementWith(With(kTriangle, "y1", value)))),
+               "Unreadable attribute 'y1' of 'triangle' (line 2): '" + std::string(value) + "'");
+    for (const char* const coordinate : {"x0", "y0", "z0", "x1", "y1", "z1", "x2", "y2", "z2"})
+        expect(FaultOf(Collision(ElementWith(Without(kTriangle, coordinate)))),
+               "Missing attribute '" + std::string(coordinate) + "' of 'triangle' (line 2)");
+    expect(FaultOf(Collision(ElementWith(With(kTriangle, "x0", std::string(5000, '7') + "x")))),
+           "Unreadable attribute 'x0' of 'triangle' (line 2): '" + std::string(40, '7') + "...'");
+    for (const char* const value : {"-1", "-1e-300", "-inf", "", "1,5"})
+        expect(FaultOf<IProximityConfiguration>(Proximity(With(kClearPair, "clearance", value))),
+               "Unreadable attribute 'clearance' of 'pair' (line 2): '" + std::string(value) + "'");
+    expect(FaultOf<IProximityConfiguration>(Proximity(std::string(kPair))),
+           "Missing attribute 'clearance' of 'pair' (line 2)");
+    expect(FaultOf(Collision(std::string(kTriangle))), "Triangle outside any element: 'triangle' (line 2)");
+    expect(FaultOf(Collision(ElementWith("") + std::string(kTriangle))),
+           "Triangle outside any element: 'triangle' (line 2)");
+    expect(FaultOf(Collision(ElementWith("<stl>\n" + ElementWith("") + "</stl>"))),
+           "Element inside another one: 'element' (line 3)");
+}
+
+TEST(Retrieve, RefusesFilesOfAnotherKind) {
+    const Fault wrong_type("Wrong scene type.", "");
+    EXPECT_EQ(FaultOf(Proximity("")), wrong_type);
+    EXPECT_EQ(FaultOf<IProximityConfiguration>(Collision("")), wrong_type);
+    for (const char* const text : {"<scene/>", "<scene type=\"Collision\"/>", "<scene type=\"collision \"/>",
+                                   "<a/><scene type=\"collision\"/>"})
+        EXPECT_EQ(FaultOf(text), wrong_type);
+    for (const auto& [text, message] :
+         {std::pair<std::string, std::string>("", "Error=XML_ERROR_EMPTY_DOCUMENT ErrorID=13"),
+          {"<scene type=\"collision\">\n<owners>\n</scene>",
+           "Error=XML_ERROR_MISMATCHED_ELEMENT ErrorID=14 (0xe) Line number=2"},
+          {Collision("<x y=1/>"), "Error=XML_ERROR_PARSING_ATTRIBUTE ErrorID=7 (0x7) Line number=2"},
+          {std::string(100'000, '<'), "Error=XML_ERROR_PARSING ErrorID=15"},
+          {"<!-- nothing -->", "No root element: filename="}})
+        EXPECT_TRUE(FaultOf(text).first.starts_with(message)) << FaultOf(text).first;
+    // As deep as memory, where each step recursed.
+    std::string deep;
+    for (int depth = 0; depth < 100'000; ++depth) deep += "<a>";
+    EXPECT_TRUE(FaultOf(Collision(deep)).first.starts_with("Error=XML_ELEMENT_DEPTH_EXCEEDED ErrorID=18"));
+}
+
+TEST(Retrieve, ReportsFilesThatCannotBeRead) {
+    const TemporaryFolder folder;
+    for (const auto& [path, message] :
+         {std::pair<std::string, std::string>((folder / "missing").string(),
+                                              "Error=XML_ERROR_FILE_NOT_FOUND ErrorID=3"),
+          {(folder / "").string(), "Error=XML_ERROR_FILE_READ_ERROR ErrorID=5"}}) {
+        try {
+            RetrieveScene<IProximityConfiguration>(path);
+            ADD_FAILURE() << path;
+        } catch (const RuntimeException& error) {
+            EXPECT_TRUE(error.message().starts_with(message)) << error.message();
+            EXPECT_TRUE(error.message().ends_with("filename=" + path)) << error.message();
+        }
+    }
+    const auto recorder = make_unique_recorder();
+    const std::string sound = folder.Write("sound", Collision(""));
+    EXPECT_THROW(recorder->Retrieve(sound, static_cast<ICollisionConfiguration**>(nullptr)),
+                 NullPointerException);
+    EXPECT_THROW(recorder->Retrieve(sound, static_cast<IProximityConfiguration**>(nullptr)),
+                 NullPointerException);
+}
+
+TEST(Retrieve, FindsElementsInAnyCaseAnywhereBelowARootOfAnyName) {
+    const std::string text = R"(<?xml version="1.0"?><!-- any --><Triangle type="collision" id="x">
+        <PAIR FIRST="1" first="7" second="0x8"/><other><Owner id="-1"/><pair first="7" second="9"/>
+        <ELEMENT owner="5" name="a" id="8" leaves="2" depth="?"><count><![CDATA[text]]>)" +
+                             std::string(kTriangle) + R"(</count><TriAngle x0='0' y0='0' z0='0' x1='2'
+        y1='0' z1='0' x2='0' y2='2' z2='0' x9='x'>any</TriAngle></ELEMENT></other>
+        <element owner="-2" name="&lt;&#233;&#xA;" id="+7" leaves="0" depth=""/></Triangle><owner/>)";
+    const auto scene = RetrieveText<ICollisionConfiguration>(text);
+    const SceneContent content = ContentOf(*scene);
+    ASSERT_EQ(content.bodies.size(), 2U);
+    EXPECT_EQ(content.bodies[0].id, 8U);
+    EXPECT_EQ(content.bodies[0].leaf_number, 2U);
+    EXPECT_EQ(content.bodies[0].triangles.size(), 2U);
+    EXPECT_EQ(content.bodies[1].id, 7U);
+    EXPECT_EQ(content.bodies[1].owner, 0xfffffffffffffffeU);
+    EXPECT_EQ(content.bodies[1].name, "<\xc3\xa9\n");
+    EXPECT_EQ(content.bodies[1].leaf_number, 1U);
+    ASSERT_EQ(content.couples.size(), 1U) << "a couple of an unknown body is dropped";
+    EXPECT_EQ(content.couples[0].first, 7U);
+    EXPECT_EQ(content.couples[0].second, 8U);
+}
+
+TEST(Retrieve, TakesBlanksPlusSignsAndHexadecimalDigitsInNumbers) {
+    for (const char* const value :
+         {"1.5", " \t1.5 ", "&#10;1.5&#13;", "+1.5", "15e-1", "0x1.8", "+0X1.8p0"}) {
+        const auto scene = RetrieveText<IProximityConfiguration>(
+            Proximity(ElementWith(With(kTriangle, "x0", value)) + With(kClearPair, "clearance", value)));
+        const SceneContent content = ContentOf(*scene);
+        EXPECT_EQ(content.bodies.at(0).triangles.at(0)[0], std::bit_cast<std::uint64_t>(1.5)) << value;
+        EXPECT_EQ(content.couples.at(0).clearance, std::bit_cast<std::uint64_t>(1.5)) << value;
+    }
+    for (const char* const value : {"7", " 7 ", "+7", "0x7", "0007"}) {
+        const auto scene =
+            RetrieveText<ICollisionConfiguration>(Collision(Element(With(kElement, "id", value), "")));
+        EXPECT_EQ(ContentOf(*scene).bodies.at(0).id, 7U) << value;
+    }
+}
+
+}  // namespace
+}  // namespace tarn
