@@ -55,6 +55,7 @@ public:
         Add(outcome.segment);
         Add(std::bit_cast<std::uint64_t>(outcome.bound));
         Add(outcome.retained_count);
+        Add(outcome.touches ? 1 : 0);
         Add(outcome.is_judged ? 1 : 0);
     }
 

@@ -200,6 +200,12 @@ private:
         return state == ProximityState::Intersecting || state == ProximityState::WithinClearance;
     }
 
+    /// Not reported, but named as touching.
+    static bool IsTouching(const ProximityOutcome& outcome) {
+        return outcome.state == ProximityState::Touching ||
+               (outcome.state == ProximityState::BeyondClearance && outcome.touches);
+    }
+
     static Couple CoupleOf(const ICollisionBody& a, const ICollisionBody& b) {
         return std::minmax<std::size_t>({a.GetId() - 1, b.GetId() - 1});
     }
@@ -217,7 +223,7 @@ private:
             const auto own = outcomes.extract({couple.first, couple.second});
             if (own.empty()) {
                 ++(nearest.distance < kTouching ? disagreement_.contact_beyond : disagreement_.beyond);
-            } else if (own.mapped().state == ProximityState::Touching) {
+            } else if (IsTouching(own.mapped())) {
                 ++disagreement_.touching;
             } else if (own.mapped().state == ProximityState::BeyondClearance) {
                 ++disagreement_.unjudged;
@@ -227,8 +233,8 @@ private:
         }
         // What is left, FCL does not find.
         for (const auto& [couple, outcome] : outcomes) {
-            const bool is_judged = outcome.state != ProximityState::BeyondClearance;
-            ++(is_judged ? disagreement_.tarn_only : disagreement_.unjudged_far);
+            const bool is_found = IsReported(outcome.state) || IsTouching(outcome);
+            ++(is_found ? disagreement_.tarn_only : disagreement_.unjudged_far);
         }
     }
 

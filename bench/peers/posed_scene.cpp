@@ -92,7 +92,7 @@ std::unique_ptr<PosedScene> MakeLattice(std::size_t count) {
     std::vector<std::size_t> mesh_of_body;
     for (std::size_t i = 0; i < count; ++i) mesh_of_body.push_back(Lattice::ShapeOf(i));
     const auto shapes = Lattice::Shapes();
-    std::vector<std::vector<MATRIX>> poses{lattice.NextPoses(), lattice.NextPoses()};
+    std::vector<std::vector<MATRIX>> poses{lattice.NextPoses(), lattice.NextPoses(), lattice.NextPoses()};
     return std::make_unique<PosedScene>(std::vector<Triangles>{shapes[0], shapes[1]}, mesh_of_body,
                                         std::move(poses));
 }

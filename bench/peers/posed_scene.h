@@ -46,7 +46,7 @@ private:
 /// An assembly as it was drawn, and then moved rigidly as a whole.
 std::unique_ptr<PosedScene> MoveAsOne(const PlacedAssembly& assembly);
 
-/// The lattice of small bodies in two poses, each body moved by itself.
+/// The lattice of small bodies in three poses, each body moved by itself.
 std::unique_ptr<PosedScene> MakeLattice(std::size_t count);
 
 }  // namespace tarn::bench
