@@ -409,7 +409,8 @@ Mesh MeshOfFile(const std::string& name) {
     for (std::size_t at = 84; at + 50 <= bytes.size(); at += 50) {
         std::array<float, 9> c{};
         std::memcpy(c.data(), bytes.data() + at + 12, sizeof(c));
-        mesh.push_back({c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7], c[8]});
+        const auto x = [&c](std::size_t i) { return static_cast<double>(c[i]); };
+        mesh.push_back({x(0), x(1), x(2), x(3), x(4), x(5), x(6), x(7), x(8)});
     }
     return mesh;
 }

@@ -32,7 +32,11 @@ inline long double LongDot(const LongVector& a, const LongVector& b) {
 using LongTriangle = std::array<LongVector, 3>;
 
 inline LongTriangle LongOf(const TriangleData& t) {
-    return {{{t.v0x, t.v0y, t.v0z}, {t.v1x, t.v1y, t.v1z}, {t.v2x, t.v2y, t.v2z}}};
+    const auto vertex = [](double x, double y, double z) {
+        return LongVector{static_cast<long double>(x), static_cast<long double>(y),
+                          static_cast<long double>(z)};
+    };
+    return {vertex(t.v0x, t.v0y, t.v0z), vertex(t.v1x, t.v1y, t.v1z), vertex(t.v2x, t.v2y, t.v2z)};
 }
 
 /// Whether a point of the triangle's plane lies in it.
