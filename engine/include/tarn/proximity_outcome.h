@@ -66,8 +66,7 @@ struct ProximityPairOutcome {
 
 /// The same for all enabled couples of a configuration, each with its own clearance, in parallel. Couples
 /// that do not touch and are judged to be beyond their clearance are left out, the others stand in couple
-/// order. Throws what a
-/// check throws. Thread-safety as for a check.
+/// order. Throws what a check throws. Thread-safety as for a check.
 [[nodiscard]] TARN_API std::vector<ProximityPairOutcome> MeasureProximity(
     IProximityConfiguration& configuration);
 
