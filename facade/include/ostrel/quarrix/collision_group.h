@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ostrel/quarrix/collision_element.h"
+#include "ostrel/quarrix/event.h"
+#include "ostrel/quarrix/export.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace Ostrel::Quarrix::Collisions {
+
+/// A composite element, for callers. It has no mesh of its own, so configurations refuse it.
+class QUARRIX_API ICollisionGroup : public virtual ICollisionConfigurationElement {
+public:
+    using PointCallback =
+        std::function<void(const std::array<double, 3>& first, const std::array<double, 3>& second)>;
+
+    virtual std::vector<std::shared_ptr<ICollisionElement>> get_Elements() const = 0;
+    virtual Event& get_ElementListChanged() = 0;
+    virtual void Load(const PointCallback& callback) const = 0;
+};
+
+}  // namespace Ostrel::Quarrix::Collisions

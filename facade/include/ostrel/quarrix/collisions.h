@@ -1,0 +1,30 @@
+#pragma once
+
+/// \file
+/// All public headers of the object model.
+
+#include "ostrel/quarrix/collision_configuration.h"
+#include "ostrel/quarrix/collision_configuration_element.h"
+#include "ostrel/quarrix/collision_couple.h"
+#include "ostrel/quarrix/collision_detector.h"
+#include "ostrel/quarrix/collision_element.h"
+#include "ostrel/quarrix/collision_element_owner.h"
+#include "ostrel/quarrix/collision_factory.h"
+#include "ostrel/quarrix/collision_group.h"
+#include "ostrel/quarrix/collision_result.h"
+#include "ostrel/quarrix/disposable.h"
+#include "ostrel/quarrix/distance_segment.h"
+#include "ostrel/quarrix/enumerations.h"
+#include "ostrel/quarrix/event.h"
+#include "ostrel/quarrix/exceptions.h"
+#include "ostrel/quarrix/interference_couple.h"
+#include "ostrel/quarrix/near_elements_couple.h"
+#include "ostrel/quarrix/object.h"
+#include "ostrel/quarrix/proximity_configuration.h"
+#include "ostrel/quarrix/proximity_couple.h"
+#include "ostrel/quarrix/proximity_detector.h"
+#include "ostrel/quarrix/proximity_result.h"
+#include "ostrel/quarrix/proximity_setting.h"
+#include "ostrel/quarrix/sequence.h"
+#include "ostrel/quarrix/text.h"
+#include "ostrel/quarrix/triangle.h"
