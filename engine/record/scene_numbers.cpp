@@ -1,5 +1,7 @@
 #include "record/scene_numbers.h"
 
+#include <cmath>
+
 namespace tarn::details {
 
 std::string_view WithoutBlanksAndPlus(std::string_view text) {
@@ -23,6 +25,8 @@ std::optional<double> ParseDouble(std::string_view text) {
         std::from_chars(text.data(), text.data() + text.size(), value,
                         is_hexadecimal ? std::chars_format::hex : std::chars_format::general);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    // "0xnan" and "0xinf", which are no numbers to anybody else.
+    if (is_hexadecimal && !std::isfinite(value)) return std::nullopt;
     return is_negative ? -value : value;
 }
 

@@ -132,7 +132,7 @@ TEST(Retrieve, RefusesValuesThatNothingCanBeBuiltFrom) {
                "Missing attribute '" + std::string(coordinate) + "' of 'triangle' (line 2)");
     expect(FaultOf(Collision(ElementWith(With(kTriangle, "x0", std::string(5000, '7') + "x")))),
            "Unreadable attribute 'x0' of 'triangle' (line 2): '" + std::string(40, '7') + "...'");
-    for (const char* const value : {"-1", "-1e-300", "-inf", "", "1,5"})
+    for (const char* const value : {"-1", "-1e-300", "-inf", "", "1,5", "0xinf", "-0xnan"})
         expect(FaultOf<IProximityConfiguration>(Proximity(With(kClearPair, "clearance", value))),
                "Unreadable attribute 'clearance' of 'pair' (line 2): '" + std::string(value) + "'");
     expect(FaultOf<IProximityConfiguration>(Proximity(std::string(kPair))),
