@@ -5,6 +5,7 @@
 #include "tarn/exception.h"
 
 #include <fstream>
+#include <locale>
 #include <ostream>
 #include <sstream>
 
@@ -45,6 +46,8 @@ std::string RequirePath(Text file_path) {
 
 void DumpToFile(const std::string& path, const std::function<void(std::ostream&)>& dump) {
     std::ofstream stream(path);
+    // Whatever the program's locale: STL has decimal points.
+    stream.imbue(std::locale::classic());
     if (stream) {
         dump(stream);
         stream.close();
@@ -58,6 +61,7 @@ void DumpToWriter(std::ostream* writer,
     if (!writer) throw ArgumentNullException("writer");
     if (!configuration) throw ArgumentNullException("configuration");
     std::ostringstream text;
+    text.imbue(std::locale::classic());
     dump(text);
     *writer << text.str() << std::flush;
 }
