@@ -1,5 +1,5 @@
 # Thin targets over the bootstrap script and the CMake presets. `make help` lists them.
-.PHONY: help demo test asan tsan coverage bench peers fuzz format clean
+.PHONY: help demo test asan tsan coverage bench peers fuzz reference format clean
 
 help:
 	@echo "make demo      build, make a small assembly and check it"
@@ -10,6 +10,7 @@ help:
 	@echo "make bench     build and run the benchmarks"
 	@echo "make peers     the same beside FCL, and answers beside exact arithmetic"
 	@echo "make fuzz      feed the readers with damaged files, SECONDS=60 for each"
+	@echo "make reference  build/reference/html, from the public headers; fails where one is not described"
 	@echo "make format    format all sources"
 	@echo "make clean     remove all builds"
 
@@ -56,6 +57,11 @@ peers:
 fuzz:
 	@scripts/bootstrap build check
 	@scripts/fuzz $(or $(SECONDS),60)
+
+reference:
+	@scripts/bootstrap docs
+	@mkdir -p build
+	doxygen docs/Doxyfile
 
 format:
 	@scripts/bootstrap check

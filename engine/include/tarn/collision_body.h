@@ -35,9 +35,11 @@ public:
 
     /// Fixed at creation. Configurations know a body's couples by this identifier alone.
     virtual std::uint32_t GetId() const = 0;
+    /// By what configurations group the body.
     virtual std::uint64_t GetOwner() const = 0;
     /// Configurations do not notice the change of a body that they hold already.
     virtual void SetOwner(std::uint64_t owner) = 0;
+    /// For messages and scene files.
     virtual std::string GetName() const = 0;
 
     /// Adds an element, not owned. The next `SetLeafNumber` with an unchanged number rebuilds only if the
@@ -65,6 +67,7 @@ public:
     /// `std::length_error` for 2^30 triangles or more. If it throws, the body keeps the hierarchy that it
     /// had.
     virtual void SetLeafNumber(std::int16_t leaf_number) = 0;
+    /// What the hierarchy is like.
     virtual CollisionBodyStatistics GetStatistics() const = 0;
 };
 

@@ -55,7 +55,9 @@ public:
     virtual void ConfigInterOwners(std::uint64_t owner1, std::uint64_t owner2, bool enable) = 0;
     /// Whether the couple is enabled. The bodies need not be present.
     virtual bool CoupleIsEnable(ICollisionBody* body1, ICollisionBody* body2) const = 0;
+    /// The bodies, not owned.
     virtual std::vector<ICollisionBody*> RetrieveElements() const = 0;
+    /// How many couples are enabled.
     virtual std::uint64_t RetrieveCouplesCount() const = 0;
     /// Replaces the content of `out` by the enabled couples and returns it.
     virtual std::vector<CollisionPair>& RetrieveCouples(std::vector<CollisionPair>& out) const = 0;

@@ -24,6 +24,7 @@ public:
     virtual std::vector<TriangleData> GetTriangles() const = 0;
     /// How many triangles were kept.
     virtual std::uint64_t GetTrianglesCount() const = 0;
+    /// For messages.
     virtual std::string GetName() const = 0;
 };
 

@@ -19,16 +19,22 @@ namespace tarn {
 /// Thread-safety: as any value; concurrent reads are safe.
 class TARN_API Exception : public std::exception {
 public:
+    /// The class name.
     static constexpr const char* kName = "Exception";
 
+    /// Without a message.
     Exception() = default;
+    /// With a message and nothing nested.
     explicit Exception(const std::string& message);
     /// The message, then ": " and the argument unless the argument is empty.
     Exception(const std::string& message, const std::string& argument);
     /// The message, and an owned copy of `nested`.
     Exception(const std::string& message, const Exception& nested);
+    ///@{
+    /// Copies message and nested exception.
     Exception(const Exception& other);
     Exception& operator=(const Exception& other);
+    ///@}
     /// Leaves `other` with an empty message and nothing nested.
     Exception& operator=(Exception&& other) noexcept;
     ~Exception() override;
@@ -47,6 +53,7 @@ public:
     /// Appends `argument` to the message, behind ": " where the message has text; an empty argument changes
     /// nothing.
     void extendedMessage(const std::string& argument);
+    /// Empty where none was given.
     const std::string& message() const noexcept { return message_; }
     /// The exception that caused this one, or null. Owned by this object.
     const Exception* nested() const noexcept { return nested_.get(); }
@@ -63,16 +70,20 @@ class TARN_API ExceptionOf : public Base {
 public:
     using Base::Base;
 
+    /// The class name.
     const char* name() const noexcept override { return Derived::kName; }
+    /// A copy on the heap with the class `Derived`; the caller owns it.
     [[nodiscard]] Exception* clone() const override {
         return new Derived(static_cast<const Derived&>(*this));
     }
+    /// Throws a copy with the class `Derived`.
     [[noreturn]] void rethrow() const override { throw Derived(static_cast<const Derived&>(*this)); }
 };
 
 /// A mistake of the caller.
 class TARN_API LogicException : public ExceptionOf<LogicException, Exception> {
 public:
+    /// The class name.
     static constexpr const char* kName = "LogicException";
     using ExceptionOf::ExceptionOf;
 };
@@ -80,6 +91,7 @@ public:
 /// A null pointer where an object is required.
 class TARN_API NullPointerException : public ExceptionOf<NullPointerException, LogicException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "NullPointerException";
     using ExceptionOf::ExceptionOf;
 };
@@ -87,6 +99,7 @@ public:
 /// An argument outside its range.
 class TARN_API InvalidArgumentException : public ExceptionOf<InvalidArgumentException, LogicException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "InvalidArgumentException";
     using ExceptionOf::ExceptionOf;
 };
@@ -94,6 +107,7 @@ public:
 /// Data that contradicts itself or what it must be.
 class TARN_API InconsistentDataException : public ExceptionOf<InconsistentDataException, LogicException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "InconsistentDataException";
     using ExceptionOf::ExceptionOf;
 };
@@ -101,6 +115,7 @@ public:
 /// A division by zero. The lower-case b belongs to the name.
 class TARN_API DivisionbyZeroException : public ExceptionOf<DivisionbyZeroException, LogicException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "DivisionbyZeroException";
     using ExceptionOf::ExceptionOf;
 };
@@ -108,6 +123,7 @@ public:
 /// A failure of the surroundings: files, memory, foreign objects.
 class TARN_API RuntimeException : public ExceptionOf<RuntimeException, Exception> {
 public:
+    /// The class name.
     static constexpr const char* kName = "RuntimeException";
     using ExceptionOf::ExceptionOf;
 };
@@ -115,6 +131,7 @@ public:
 /// Memory ran out.
 class TARN_API OutOfMemoryException : public ExceptionOf<OutOfMemoryException, RuntimeException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "OutOfMemoryException";
     using ExceptionOf::ExceptionOf;
 };
@@ -122,6 +139,7 @@ public:
 /// An object that implements an interface in a class that is not the library's own.
 class TARN_API BadCastException : public ExceptionOf<BadCastException, RuntimeException> {
 public:
+    /// The class name.
     static constexpr const char* kName = "BadCastException";
     using ExceptionOf::ExceptionOf;
 };

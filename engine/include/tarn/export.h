@@ -1,7 +1,10 @@
 #pragma once
 
 /// \file
-/// Marks what the shared library exports. Everything else is hidden.
+/// What the shared library exports. Everything else is hidden.
+
+/// \def TARN_API
+/// Marks what the shared library exports.
 
 #if defined(_WIN32)
 #if defined(TARN_STATIC)

@@ -14,10 +14,14 @@ namespace tarn {
 /// shears and mirrors are applied as they stand. Two matrices are the same placement only when all their
 /// bytes are equal, so -0.0 and 0.0 differ.
 struct MATRIX {
+    /// Row by row.
     double m[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
 
+    ///@{
+    /// The number at an index below 12.
     double& operator[](std::size_t index) { return m[index]; }
     const double& operator[](std::size_t index) const { return m[index]; }
+    ///@}
 };
 
 }  // namespace tarn

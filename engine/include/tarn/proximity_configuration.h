@@ -53,7 +53,9 @@ public:
     /// Whether the couple is enabled, and its clearance, 0 if it is not. The bodies need not be present.
     /// Throws `InvalidArgumentException` for a stored clearance that is negative.
     virtual ProximitySetting CoupleIsEnable(ICollisionBody* body1, ICollisionBody* body2) const = 0;
+    /// The bodies, not owned.
     virtual std::vector<ICollisionBody*> RetrieveElements() const = 0;
+    /// How many couples are enabled.
     virtual std::uint64_t RetrieveCouplesCount() const = 0;
     /// Replaces the content of `out` by the enabled couples and returns it.
     virtual std::vector<ProximityPair>& RetrieveCouples(std::vector<ProximityPair>& out) const = 0;

@@ -24,6 +24,7 @@ enum class ProximityState : std::uint32_t {
 
 /// All that the search for the distance of one couple found out. `IProximityDetector` tells how it searches.
 struct ProximityOutcome {
+    /// How they lie.
     ProximityState state = ProximityState::BeyondClearance;
     /// The measured distance, or -1 in the states `Touching` and `Intersecting` and where nothing was
     /// measured. Never below the true distance, up to rounding.
@@ -49,10 +50,10 @@ struct ProximityOutcome {
 
 /// A couple and its outcome. The bodies are not owned.
 struct ProximityPairOutcome {
-    ICollisionBody* first = nullptr;
-    ICollisionBody* second = nullptr;
-    double clearance = 0.0;
-    ProximityOutcome outcome;
+    ICollisionBody* first = nullptr;   ///< the first body
+    ICollisionBody* second = nullptr;  ///< the second body
+    double clearance = 0.0;            ///< as configured
+    ProximityOutcome outcome;          ///< what the search found out
 };
 
 /// Measures one couple, in no configuration, with the search of `IProximityDetector`, and keeps what that

@@ -25,6 +25,7 @@ class TARN_API IRecorder {
 public:
     virtual ~IRecorder() = default;
 
+    ///@{
     /// Writes a scene to `path`, in the narrow encoding of the system. The file is replaced as a whole: it is
     /// written under a temporary name beside the target, which then takes the target's name; links are
     /// followed and permissions kept. Where no temporary file can be made, and where the target is no regular
@@ -37,7 +38,9 @@ public:
     /// an older file of that name is as it was then, unless it had to be written directly.
     virtual void Store(IProximityConfiguration* configuration, const std::string& path) = 0;
     virtual void Store(ICollisionConfiguration* configuration, const std::string& path) = 0;
+    ///@}
 
+    ///@{
     /// Reads a scene and sets `*out` to a new configuration. The caller owns it, its bodies and their
     /// elements; `ReleaseScene` releases all of them. All hierarchies are built.
     ///
@@ -47,12 +50,15 @@ public:
     /// size of the file.
     virtual void Retrieve(const std::string& path, IProximityConfiguration** out) = 0;
     virtual void Retrieve(const std::string& path, ICollisionConfiguration** out) = 0;
+    ///@}
 };
 
+///@{
 /// Deletes a configuration, all its bodies and all their elements, each once. For retrieved scenes, and for
 /// whatever else is owned in that way; null is ignored. Bodies that were removed from the configuration
 /// before are left to the caller.
 TARN_API void ReleaseScene(ICollisionConfiguration* configuration);
 TARN_API void ReleaseScene(IProximityConfiguration* configuration);
+///@}
 
 }  // namespace tarn

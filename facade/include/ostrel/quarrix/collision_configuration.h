@@ -33,7 +33,9 @@ class NativeCollisionConfigurationWrapper;
 /// the registry throughout, so configurations on different threads may share elements.
 class QUARRIX_API ICollisionConfiguration : public IDisposable {
 public:
+    /// An element of the caller, shared with it.
     using Element = std::shared_ptr<ICollisionConfigurationElement>;
+    /// Any object by which elements are grouped; null stands for elements without an owner.
     using Owner = std::shared_ptr<Object>;
 
     /// Adds an element and sets its pairs with all others. An element that is there already only has its
@@ -45,7 +47,9 @@ public:
     virtual void AddElements(Sequence<Element> elements,
                              CheckCoupleConfiguration checkConfiguration,
                              double tolerance) = 0;
+    /// Removes an element with its pairs, and gives its use back.
     virtual void RemoveElement(const Element& element) = 0;
+    /// Removes all elements, and gives their uses back.
     virtual void RemoveAllElements() = 0;
     /// Takes over elements and pairs of another configuration and sets the pairs between those that are new
     /// here and those that were here. Merging with itself does nothing. Throws `InvalidCastException` for a
@@ -62,34 +66,38 @@ public:
     virtual std::shared_ptr<ICollisionConfiguration> Clone() const = 0;
     /// Whether the pair is checked.
     virtual bool CoupleIsEnable(const Element& element1, const Element& element2) const = 0;
+    /// The elements in the order in which they came.
     virtual std::vector<Element> RetrieveElements() const = 0;
     /// The pairs that are checked, all with `Intersection` and a clearance of 0.
     virtual std::vector<std::shared_ptr<CollisionCouple>> RetrieveCouples() const = 0;
+    /// How many pairs are checked.
     virtual std::int32_t RetrieveCouplesCount() const = 0;
+    /// Sets one pair of elements that are both there.
     virtual void ConfigCouple(const Element& element1,
                               const Element& element2,
                               CheckCoupleConfiguration checkConfiguration,
                               double tolerance) = 0;
-    /// The pairs of the owner's elements with those of every other owner. Null is the owner of elements
-    /// without one.
+    /// Sets the pairs of the owner's elements with those of every other owner.
     virtual void ConfigOwnerAgainstAll(const Owner& owner,
                                        CheckCoupleConfiguration checkConfiguration,
                                        double tolerance) = 0;
-    /// The pairs between the elements of every two owners of the list.
+    /// Sets the pairs between the elements of every two owners of the list.
     virtual void ConfigInterOwners(Sequence<Owner> ownersList,
                                    CheckCoupleConfiguration checkConfiguration,
                                    double tolerance) = 0;
-    /// The pairs between the owner's elements.
+    /// Sets the pairs between the owner's elements.
     virtual void ConfigIntraOwner(const Owner& owner,
                                   CheckCoupleConfiguration checkConfiguration,
                                   double tolerance) = 0;
     /// Switches off the pairs between the owner's elements.
     virtual void DisableAllChecks(const Owner& owner) = 0;
+    /// Switches off all pairs.
     virtual void DisableAllChecks() = 0;
     /// Switches on all pairs. The arguments are not heeded.
     virtual void EnableAllIntersectChecks(bool allowTouch, double tolerance) = 0;
     /// Not available: throws.
     virtual void EnableAllAlmostCollisionChecks(double clearance) = 0;
+    ///@{
     /// Switches off all pairs, then does what the name without `Enable` and `Only` says.
     virtual void EnableOwnerAgainstAllOnly(const Owner& owner,
                                            CheckCoupleConfiguration configuration,
@@ -100,12 +108,14 @@ public:
     virtual void EnableIntraOwnerOnly(const Owner& owner,
                                       CheckCoupleConfiguration configuration,
                                       double tolerance) = 0;
+    ///@}
 };
 
 /// The configuration that callers construct, for `CollisionDetector`. Merging, appending and swapping take
 /// another `CollisionConfiguration`; all else, null included, throws `InvalidCastException`.
 class QUARRIX_API CollisionConfiguration final : public ICollisionConfiguration {
 public:
+    /// Without elements.
     CollisionConfiguration();
     ~CollisionConfiguration() override;
     void Dispose() override;
@@ -161,9 +171,10 @@ private:
     friend NativeCollisionConfigurationWrapper& NativeOf(
         const std::shared_ptr<ICollisionConfiguration>& configuration);
 
-    explicit CollisionConfiguration(std::shared_ptr<NativeCollisionConfigurationWrapper> native);
+    QUARRIX_LOCAL explicit CollisionConfiguration(
+        std::shared_ptr<NativeCollisionConfigurationWrapper> native);
 
-    NativeCollisionConfigurationWrapper& Native() const;
+    QUARRIX_LOCAL NativeCollisionConfigurationWrapper& Native() const;
 
     bool disposed_ = false;
     std::shared_ptr<NativeCollisionConfigurationWrapper> native_;

@@ -18,8 +18,9 @@ namespace Ostrel::Quarrix::Collisions {
 /// while it holds the lock of the element's body.
 class QUARRIX_API ICollisionConfigurationElement : public virtual Object {
 public:
+    /// For reports and scene files.
     virtual std::string get_Name() const = 0;
-    /// May be null.
+    /// What the element is grouped by. May be null.
     virtual std::shared_ptr<ICollisionElementOwner> get_Owner() const = 0;
     /// The placement, local to world, row by row: the first twelve values are used, the rest is never read.
     virtual std::array<double, 16> get_Position() const = 0;

@@ -19,8 +19,11 @@ public:
                     CheckCoupleConfiguration checkConfiguration,
                     double tolerance);
 
+    /// The first element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element1() const;
+    /// The second element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element2() const;
+    /// What is checked for the pair.
     CheckCoupleConfiguration get_CheckConfiguration() const;
     /// The tolerance that it was made with.
     double get_Clearance() const;

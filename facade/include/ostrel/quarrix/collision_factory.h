@@ -14,9 +14,13 @@ namespace Ostrel::Quarrix::Collisions {
 /// What makes detectors and configurations that work with each other.
 class QUARRIX_API ICollisionFactory : public virtual Object {
 public:
+    /// An interference checker.
     virtual std::shared_ptr<ICollisionDetector> MakeCollisionDetector() = 0;
+    /// A configuration for it, without elements.
     virtual std::shared_ptr<ICollisionConfiguration> MakeCollisionConfiguration() = 0;
+    /// A clearance checker.
     virtual std::shared_ptr<IProximityDetector> MakeProximityDetector() = 0;
+    /// A configuration for it, without elements.
     virtual std::shared_ptr<IProximityConfiguration> MakeProximityConfiguration() = 0;
 };
 

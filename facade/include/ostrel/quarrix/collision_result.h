@@ -22,6 +22,7 @@ class QUARRIX_API CollisionResult final : public DisposableRecord {
 public:
     /// Nothing collides.
     CollisionResult() = default;
+    /// As given; the triangles in pairs, those of the first couple.
     CollisionResult(bool checkResult,
                     InterferenceResultType interferenceType,
                     std::vector<std::shared_ptr<Triangle>> triangles,
@@ -31,6 +32,7 @@ public:
     bool get_Result() const;
     /// `Intersect` for every check, whatever it found; `None` for a result that no check has made.
     InterferenceResultType get_InterferenceType() const;
+    /// The pairs that collide, in the order of the configuration.
     std::vector<std::shared_ptr<CollisionCouple>> get_CollidingElementCouples() const;
     /// Always empty: an interference check does not look for near pairs.
     std::vector<std::shared_ptr<NearElementsCouple>> get_AlmostCollidingElementsCouples() const;

@@ -8,6 +8,7 @@ namespace Ostrel::Quarrix::Collisions {
 /// What can be given up before its last reference goes. Both ways lead to one clean-up, which runs once.
 class QUARRIX_API IDisposable : public virtual Object {
 public:
+    /// Gives up what the object holds; a second call does nothing.
     virtual void Dispose() = 0;
 };
 

@@ -23,12 +23,19 @@ public:
     /// The length is that of the segment.
     explicit DistanceSegment(const tarn::SegmentData& segment);
 
+    ///@{
+    /// A coordinate of the point on the first element.
     double get_P1X() const { return p1x_; }
     double get_P1Y() const { return p1y_; }
     double get_P1Z() const { return p1z_; }
+    ///@}
+    ///@{
+    /// A coordinate of the point on the second element.
     double get_P2X() const { return p2x_; }
     double get_P2Y() const { return p2y_; }
     double get_P2Z() const { return p2z_; }
+    ///@}
+    /// The length that it was made with.
     double get_Length() const { return length_; }
 
 private:

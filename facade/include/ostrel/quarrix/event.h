@@ -14,10 +14,12 @@ namespace Ostrel::Quarrix::Collisions {
 /// Something that an object tells its subscribers. Safe from any thread.
 class QUARRIX_API Event {
 public:
+    /// What is called with the object that raises the event.
     using Handler = std::function<void(Object* sender)>;
     /// Names a subscription of one event.
     enum class Token : std::uint64_t {};
 
+    /// Without subscribers.
     Event();
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;

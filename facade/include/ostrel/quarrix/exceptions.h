@@ -15,6 +15,7 @@ namespace Ostrel::Quarrix::Collisions {
 /// Root of the errors here, and the plain error.
 class QUARRIX_API Exception : public std::exception {
 public:
+    /// With a message, or without.
     explicit Exception(Text message = nullptr);
     ~Exception() override;
 
@@ -35,6 +36,7 @@ private:
 /// An argument that an operation does not take.
 class QUARRIX_API ArgumentException : public Exception {
 public:
+    /// With a message about a parameter.
     ArgumentException(Text message, Text param_name);
     ~ArgumentException() override;
 
@@ -42,6 +44,7 @@ public:
     const std::string& get_ParamName() const noexcept { return param_name_; }
 
 protected:
+    /// For a class below this one.
     ArgumentException(Text class_name, Text message, Text param_name);
 
 private:
@@ -51,6 +54,7 @@ private:
 /// Null where an object is required.
 class QUARRIX_API ArgumentNullException : public ArgumentException {
 public:
+    /// About a parameter, which may be left unnamed.
     explicit ArgumentNullException(Text param_name = nullptr);
     ~ArgumentNullException() override;
 };
@@ -58,6 +62,7 @@ public:
 /// A value outside its range.
 class QUARRIX_API ArgumentOutOfRangeException : public ArgumentException {
 public:
+    /// With a message about a parameter.
     ArgumentOutOfRangeException(Text param_name, Text message);
     ~ArgumentOutOfRangeException() override;
 };
@@ -65,6 +70,7 @@ public:
 /// Use of null where nobody tests for it.
 class QUARRIX_API NullReferenceException : public Exception {
 public:
+    /// With a message, or without.
     explicit NullReferenceException(Text message = nullptr);
     ~NullReferenceException() override;
 };
@@ -72,6 +78,7 @@ public:
 /// Use of an item beyond the end of an array.
 class QUARRIX_API IndexOutOfRangeException : public Exception {
 public:
+    /// With a message, or without.
     explicit IndexOutOfRangeException(Text message = nullptr);
     ~IndexOutOfRangeException() override;
 };
@@ -79,6 +86,7 @@ public:
 /// A lookup of what is not there.
 class QUARRIX_API KeyNotFoundException : public Exception {
 public:
+    /// With a message, or without.
     explicit KeyNotFoundException(Text message = nullptr);
     ~KeyNotFoundException() override;
 };
@@ -86,6 +94,7 @@ public:
 /// An object of a class that an operation does not take.
 class QUARRIX_API InvalidCastException : public Exception {
 public:
+    /// With a message, or without.
     explicit InvalidCastException(Text message = nullptr);
     ~InvalidCastException() override;
 };
@@ -93,6 +102,7 @@ public:
 /// An operation that the library does not have.
 class QUARRIX_API NotImplementedException : public Exception {
 public:
+    /// With a message, or without.
     explicit NotImplementedException(Text message = nullptr);
     ~NotImplementedException() override;
 };
@@ -100,19 +110,23 @@ public:
 /// An operation that the state of an object does not allow.
 class QUARRIX_API InvalidOperationException : public Exception {
 public:
+    /// With a message, or without.
     explicit InvalidOperationException(Text message = nullptr);
     ~InvalidOperationException() override;
 
 protected:
+    /// For a class below this one.
     InvalidOperationException(Text class_name, Text message, const std::string& about);
 };
 
 /// Use of an object after its disposal.
 class QUARRIX_API ObjectDisposedException : public InvalidOperationException {
 public:
+    /// About an object by name, which may be empty.
     explicit ObjectDisposedException(Text object_name);
     ~ObjectDisposedException() override;
 
+    /// Empty where none is named.
     const std::string& get_ObjectName() const noexcept { return object_name_; }
 
 private:

@@ -21,16 +21,22 @@ public:
                        std::shared_ptr<ICollisionConfigurationElement> element2,
                        double clearance,
                        std::shared_ptr<DistanceSegment> segment);
+    /// All of it as it is given.
     InterferenceCouple(std::shared_ptr<ICollisionConfigurationElement> element1,
                        std::shared_ptr<ICollisionConfigurationElement> element2,
                        bool intersecting,
                        double clearance,
                        std::shared_ptr<DistanceSegment> segment);
 
+    /// The first element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element1() const;
+    /// The second element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element2() const;
+    /// Where the two come nearest, first element first, in world coordinates.
     std::shared_ptr<Collisions::DistanceSegment> get_DistanceSegment() const;
+    /// The clearance that is asked of the pair.
     double get_Clearance() const;
+    /// Whether they intersect, and not only come near.
     bool get_Intersecting() const;
 
 private:

@@ -12,13 +12,17 @@ namespace Ostrel::Quarrix::Collisions {
 /// One almost-colliding pair of a collision result: the pair, and the segment that shows how near it is.
 class QUARRIX_API NearElementsCouple final : public DisposableRecord {
 public:
+    /// Null is not tested for.
     NearElementsCouple(std::shared_ptr<CollisionCouple> collisionCouple,
                        std::shared_ptr<DistanceSegment> segment);
 
-    /// Throws `ObjectDisposedException` after disposal. All other properties go on answering then,
+    /// How near. Throws `ObjectDisposedException` after disposal. All other properties go on answering then,
     /// deliberately.
     std::shared_ptr<Collisions::DistanceSegment> get_DistanceSegment() const;
+    /// The pair.
     std::shared_ptr<Collisions::CollisionCouple> get_CollisionCouple() const { return collision_couple_; }
+    ///@{
+    /// That of the segment.
     double get_P1X() const { return distance_segment_->get_P1X(); }
     double get_P1Y() const { return distance_segment_->get_P1Y(); }
     double get_P1Z() const { return distance_segment_->get_P1Z(); }
@@ -26,6 +30,7 @@ public:
     double get_P2Y() const { return distance_segment_->get_P2Y(); }
     double get_P2Z() const { return distance_segment_->get_P2Z(); }
     double get_Length() const { return distance_segment_->get_Length(); }
+    ///@}
 
 private:
     std::shared_ptr<DistanceSegment> distance_segment_;

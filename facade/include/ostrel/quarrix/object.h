@@ -12,6 +12,7 @@ namespace Ostrel::Quarrix::Collisions {
 /// so that one class may implement several.
 class QUARRIX_API Object {
 public:
+    /// With an identity of its own.
     Object() = default;
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;

@@ -18,7 +18,9 @@ public:
                     std::shared_ptr<ICollisionConfigurationElement> second,
                     std::shared_ptr<ProximitySetting> setting);
 
+    /// The first element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element1() const;
+    /// The second element.
     std::shared_ptr<ICollisionConfigurationElement> get_Element2() const;
     /// A new copy at every call.
     std::shared_ptr<ProximitySetting> get_Setting() const;

@@ -18,11 +18,14 @@ public:
     explicit ProximitySetting(double clearance);
     /// Throws `ArgumentOutOfRangeException` ("clearance") for a negative clearance; -0 and NaN pass.
     ProximitySetting(bool enable, double clearance);
+    /// The same values.
     ProximitySetting(const ProximitySetting& copy);
     /// From the engine's. Throws `ArgumentOutOfRangeException` ("setting") for a negative clearance.
     explicit ProximitySetting(const tarn::ProximitySetting& setting);
 
+    /// Whether the pair is measured.
     bool get_Enable() const { return enable_; }
+    /// The distance within which it is reported.
     double get_Clearance() const { return clearance_; }
 
     /// A new setting with the same values.
@@ -33,6 +36,7 @@ public:
     /// Whether both values are equal, as numbers: NaN equals nothing, 0 equals -0. False for null.
     bool Equals(const std::shared_ptr<ProximitySetting>& other) const;
 
+    /// As the engine takes it.
     tarn::ProximitySetting ToNative() const { return {enable_, clearance_}; }
 
 private:

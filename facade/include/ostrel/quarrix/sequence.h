@@ -15,8 +15,12 @@ namespace Ostrel::Quarrix::Collisions {
 template <typename Item>
 class Sequence {
 public:
+    /// Empty.
     Sequence() noexcept = default;
+    /// Null.
     Sequence(std::nullptr_t) noexcept : is_null_(true) {}
+    ///@{
+    /// A view of the items, not owned.
     Sequence(std::initializer_list<Item> items) noexcept : Sequence(items.begin(), items.size()) {}
     template <typename Other>
     requires std::convertible_to<const Other&, Item> Sequence(const std::vector<Other>& items)
@@ -25,12 +29,16 @@ public:
     requires std::convertible_to<const Other&, Item> Sequence(const std::array<Other, kSize>& items)
     noexcept : Sequence(items.data(), items.size()) {}
 
+    ///@}
+
+    /// Whether it is null, and not only empty.
     bool IsNull() const noexcept { return is_null_; }
     /// 0 for null.
     std::size_t size() const noexcept { return size_; }
     /// `index` is below the size.
     Item operator[](std::size_t index) const { return at_(items_, index); }
 
+    /// A copy of the items; empty for null.
     std::vector<Item> ToVector() const {
         std::vector<Item> items;
         items.reserve(size_);
