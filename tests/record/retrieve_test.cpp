@@ -116,7 +116,7 @@ TEST(Retrieve, RefusesValuesThatNothingCanBeBuiltFrom) {
                                            {"owner", "5 5"},
                                            {"id", "-1"},
                                            {"id", "4294967296"},
-                                           {"id", "0x-7"},
+                                           {"owner", "0x-7"},
                                            {"leaves", "-1"},
                                            {"leaves", "32768"},
                                            {"leaves", "5.0"}})

@@ -102,9 +102,6 @@ TEST(RoundTrip, KeepsBodiesMeshesAndCouplesToTheLastBit) {
         ASSERT_TRUE(clearances.empty());
         ExpectRoundTrip(*assembly.clearances);
     }
-}
-
-TEST(RoundTrip, KeepsEmptyConfigurations) {
     ExpectRoundTrip(*make_unique_configuration());
     ExpectRoundTrip(*make_unique_proximity_configuration());
 }

@@ -120,7 +120,7 @@ TEST(WholeFile, WhereAFolderTakesNoFileOnlyWritableOnesAreWritten) {
     EXPECT_EQ(FileText(folder / "protected"), "older");
     EXPECT_EQ(FileText(folder / "writable"), "new");
     EXPECT_EQ(folder.FileCount(), 2U);
-    fs::permissions(folder / "", fs::perms(0755));
+    fs::permissions(folder / "", fs::perms(0777));
     // A writable folder is no leave to replace what is protected.
     const Nobody nobody;
     EXPECT_EQ(WriteNew(folder / "protected"), std::errc::permission_denied);
