@@ -10,7 +10,7 @@ help:
 	@echo "make bench     build and run the benchmarks"
 	@echo "make peers     the same beside FCL, and answers beside exact arithmetic"
 	@echo "make fuzz      feed the readers with damaged files, SECONDS=60 for each"
-	@echo "make reference  build/reference/html, from the public headers; fails where one is not described"
+	@echo "make reference build/reference/html, from the public headers; fails where one is not described"
 	@echo "make format    format all sources"
 	@echo "make clean     remove all builds"
 
