@@ -3,6 +3,7 @@
 #include "core/aabb_hierarchy.h"
 #include "core/box_distance.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -109,8 +110,13 @@ private:
 
     /// Pushes the work of both children of `a` or of `b`, the one with the nearer centre last: it is next.
     void Push(Reach reach, const Node& a, const Node& b, bool splits_first) {
-        NodePairWork near{&a, &b, 0.0};
-        NodePairWork far{&a, &b, 0.0};
+        struct Child {
+            const Node* a;
+            const Node* b;
+            double distance;
+        };
+        Child near{&a, &b, 0.0};
+        Child far{&a, &b, 0.0};
         (splits_first ? near.a : near.b) = (splits_first ? a : b).FirstChild();
         (splits_first ? far.a : far.b) = (splits_first ? a : b).SecondChild();
         near.distance = CentreDistance(*near.a, *near.b);
@@ -119,12 +125,6 @@ private:
         Push(reach, *far.a, *far.b);
         Push(reach, *near.a, *near.b);
     }
-
-    struct NodePairWork {
-        const Node* a;
-        const Node* b;
-        double distance;
-    };
 
     const AABBHierarchy& first_;
     const AABBHierarchy& second_;

@@ -15,7 +15,7 @@ constexpr std::size_t kBatch = std::size_t{1} << 16;
 /// Of a batch, the nearest few are evaluated first: they mostly leave nothing else to do. Each further round
 /// is twice as large.
 constexpr std::size_t kFirstRound = 8;
-/// Candidates that a task evaluates without being split further: some 1 to 50 us.
+/// Candidates that a task evaluates without being split further: with the usual leaves some 1 to 50 us.
 constexpr std::size_t kCandidateChunk = 16;
 
 /// See `CandidateEvaluation`.
@@ -29,19 +29,14 @@ double RoundingSlack(const Box& a, const Box& b) {
     return kRoundings * diagonal * (diagonal + largest);
 }
 
-/// What a leaf's triangles are measured by.
-struct MeasuredTriangle {
-    EdgeForm edges;
-    Box box;
-
-    explicit MeasuredTriangle(const Triangle& triangle) : edges(triangle), box(TriangleBox(triangle)) {}
-};
-
 }  // namespace
 
-CandidateEvaluation::CandidateEvaluation(const AABBHierarchy& first, const AABBHierarchy& second)
+CandidateEvaluation::CandidateEvaluation(const AABBHierarchy& first,
+                                         const AABBHierarchy& second,
+                                         double clearance_squared)
     : first_(first),
       second_(second),
+      clearance_squared_(clearance_squared),
       slack_(RoundingSlack(first.WorldBox(first.Root()), second.WorldBox(second.Root()))) {}
 
 void CandidateEvaluation::Add(const NodePair& leaves, double box_distance_squared) {
@@ -73,21 +68,26 @@ void CandidateEvaluation::EvaluateBatch() {
 void CandidateEvaluation::EvaluateRound(std::span<const Candidate> round) {
     measured_.assign(round.size(), {});
     ParallelFor(round.size(), kCandidateChunk, [&](std::size_t begin, std::size_t end) {
+        std::vector<MeasuredTriangle> second_triangles;  // room for one leaf after the other
         for (std::size_t i = begin; i < end; ++i) {
-            if (!CannotWin(round[i].box_distance_squared)) measured_[i] = Evaluate(round[i]);
+            if (!CannotWin(round[i].box_distance_squared))
+                measured_[i] = Evaluate(round[i], second_triangles);
         }
     });
     for (const NearestTriangles& measured : measured_) {
         const bool touches = nearest_.touches || measured.touches;
+        const bool has_unknown = nearest_.has_unknown || measured.has_unknown;
         if (measured.WinsOver(nearest_)) nearest_ = measured;
         nearest_.touches = touches;
+        nearest_.has_unknown = has_unknown;
     }
 }
 
-NearestTriangles CandidateEvaluation::Evaluate(const Candidate& candidate) const {
+NearestTriangles CandidateEvaluation::Evaluate(const Candidate& candidate,
+                                               std::vector<MeasuredTriangle>& second_triangles) const {
     NearestTriangles nearest;
     nearest.number = candidate.number;
-    std::vector<MeasuredTriangle> second_triangles;
+    second_triangles.clear();
     const auto second_leaf = second_.WorldTriangles(*candidate.leaves.second);
     second_triangles.reserve(second_leaf.size());
     for (const Triangle& triangle : second_leaf) second_triangles.emplace_back(triangle);
@@ -104,9 +104,11 @@ NearestTriangles CandidateEvaluation::Evaluate(const Candidate& candidate) const
                 touching.touches = true;
                 return touching;
             }
-            const bool is_nearer = nearest.is_valid ? distance.distance_squared < nearest.distance_squared
-                                                    : !std::isnan(distance.distance_squared);
-            if (!is_nearer) continue;
+            if (std::isnan(distance.distance_squared)) {
+                if (!(box_distance_squared > clearance_squared_)) nearest.has_unknown = true;
+                continue;
+            }
+            if (nearest.is_valid && !(distance.distance_squared < nearest.distance_squared)) continue;
             nearest.is_valid = true;
             nearest.distance_squared = distance.distance_squared;
             nearest.triangles = {&triangle, &second_leaf[j]};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/aabb_hierarchy.h"
+#include "core/box.h"
 #include "core/triangle_distance.h"
 #include "detect/leaf_test.h"
 #include "detect/pair_descent.h"
@@ -19,6 +20,9 @@ inline constexpr double kTouchDistanceSquared = 0.001;
 struct NearestTriangles {
     bool is_valid = false;  ///< false where nothing was measured, or a touching pair was met
     bool touches = false;   ///< a touching pair was met
+    /// Where nothing touches: a pair was met whose distance is no number and whose boxes do not show it to
+    /// lie beyond the clearance.
+    bool has_unknown = false;
     double distance_squared = 0.0;
     std::uint64_t number = 0;  ///< of the leaf pair, in traversal order
     TriangleHit triangles;
@@ -43,11 +47,12 @@ struct NearestTriangles {
 /// roundings of M: some tens of roundings of U (U + M) in all. So where
 ///     squared box distance - 64 * 2^-53 * U (U + M) > best
 /// the measured distance is above the best, strictly: the pair is neither chosen nor a tie. It does not touch
-/// either, as a valid best is at least the touch threshold: every touching pair is met. A comparison with NaN
-/// leaves nothing out.
+/// either, as a valid best is at least the touch threshold: every touching pair is met. And where the best
+/// ends up beyond the clearance, every pair is met whose boxes are not. A comparison with NaN leaves nothing
+/// out.
 class CandidateEvaluation {
 public:
-    CandidateEvaluation(const AABBHierarchy& first, const AABBHierarchy& second);
+    CandidateEvaluation(const AABBHierarchy& first, const AABBHierarchy& second, double clearance_squared);
     CandidateEvaluation(const CandidateEvaluation&) = delete;
     CandidateEvaluation& operator=(const CandidateEvaluation&) = delete;
 
@@ -60,6 +65,13 @@ public:
     std::uint64_t added_count() const { return added_count_; }
 
 private:
+    /// What a leaf's triangles are measured by.
+    struct MeasuredTriangle {
+        EdgeForm edges;
+        Box box;
+
+        explicit MeasuredTriangle(const Triangle& triangle) : edges(triangle), box(TriangleBox(triangle)) {}
+    };
     struct Candidate {
         NodePair leaves;
         double box_distance_squared;
@@ -74,10 +86,12 @@ private:
     }
     void EvaluateBatch();
     void EvaluateRound(std::span<const Candidate> round);
-    NearestTriangles Evaluate(const Candidate& candidate) const;
+    NearestTriangles Evaluate(const Candidate& candidate,
+                              std::vector<MeasuredTriangle>& second_triangles) const;
 
     const AABBHierarchy& first_;
     const AABBHierarchy& second_;
+    double clearance_squared_;
     double slack_;
     std::uint64_t added_count_ = 0;
     std::vector<Candidate> batch_;

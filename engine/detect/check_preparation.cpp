@@ -2,6 +2,7 @@
 
 #include "tarn/exception.h"
 
+#include <algorithm>
 #include <string>
 
 namespace tarn::details {

@@ -5,7 +5,6 @@
 #include "tarn/check_policy.h"
 #include "tarn/collision_body.h"
 
-#include <algorithm>
 #include <vector>
 
 /// \file

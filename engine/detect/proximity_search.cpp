@@ -60,7 +60,7 @@ public:
         if (!IsWithin(BoxDistanceSquared(first_box, second_box), clearance_squared_)) return finding_;
         if (FindFirstHit(first_, second_)) return Intersecting();
         finding_.outcome.bound = TightenBound(first_, second_, clearance_squared_);
-        CandidateEvaluation candidates(first_, second_);
+        CandidateEvaluation candidates(first_, second_, clearance_squared_);
         if (CollectCandidates(candidates)) return Intersecting();
         finding_.outcome.retained_count = candidates.added_count();
         Judge(candidates.Finish());
@@ -109,9 +109,18 @@ private:
         } else if (outcome.retained_count > 0) {
             outcome.state = ProximityState::Touching;
         }
-        // Under the full clearance, what was left out lies beyond it.
-        outcome.is_judged =
-            outcome.state != ProximityState::BeyondClearance || !(outcome.bound < clearance_squared_);
+        switch (outcome.state) {
+            case ProximityState::BeyondClearance:
+                // Under the full clearance, what was left out lies beyond it.
+                outcome.is_judged = !(outcome.bound < clearance_squared_) && !nearest.has_unknown;
+                break;
+            case ProximityState::Touching:
+                // Else not a single distance was a number.
+                outcome.is_judged = outcome.touches;
+                break;
+            default:
+                break;
+        }
     }
 
     const AABBHierarchy& first_;

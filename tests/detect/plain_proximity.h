@@ -2,6 +2,7 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box.h"
+#include "core/box_distance.h"
 #include "core/triangle_distance.h"
 #include "detect/plain_check.h"
 
@@ -96,13 +97,15 @@ inline void CollectPlainLeafPairs(const PlacedNode& a, const PlacedNode& b, Plai
 struct PlainCandidate {
     bool is_valid = false;
     bool touches = false;
+    bool has_unknown = false;
     double distance_squared = -1.0;
     SegmentData segment{};
     TriangleDataPair triangles{};
 };
 
 inline PlainCandidate PlainMeasure(const std::vector<details::Triangle>& first,
-                                   const std::vector<details::Triangle>& second) {
+                                   const std::vector<details::Triangle>& second,
+                                   double clearance_squared) {
     PlainCandidate best;
     for (const details::Triangle& i : first) {
         for (const details::Triangle& j : second) {
@@ -110,12 +113,16 @@ inline PlainCandidate PlainMeasure(const std::vector<details::Triangle>& first,
             const details::EdgeForm b(j);
             const auto found = TrianglePairDistanceBound(a, b);
             if (found.distance_squared < 0.001) return {.touches = true};
-            if (best.is_valid ? !(found.distance_squared < best.distance_squared)
-                              : std::isnan(found.distance_squared))
+            if (std::isnan(found.distance_squared)) {
+                if (!(BoxDistanceSquared(TriangleBox(i), TriangleBox(j)) > clearance_squared))
+                    best.has_unknown = true;
                 continue;
+            }
+            if (best.is_valid && !(found.distance_squared < best.distance_squared)) continue;
             const details::Vector3 p = a.PointAt(found.s1, found.t1);
             const details::Vector3 q = b.PointAt(found.s2, found.t2);
-            best = {true, false, found.distance_squared, {p.x, p.y, p.z, q.x, q.y, q.z}, {i, j}};
+            best = {true,  false, best.has_unknown, found.distance_squared, {p.x, p.y, p.z, q.x, q.y, q.z},
+                    {i, j}};
         }
     }
     return best;
@@ -154,9 +161,11 @@ inline PlainFinding PlainProximity(const details::CollisionBody& first,
     outcome.retained_count = retained.size();
 
     PlainCandidate best;
+    bool has_unknown = false;
     for (const auto& [a, b] : retained) {
-        const PlainCandidate candidate = PlainMeasure(a.Triangles(), b.Triangles());
+        const PlainCandidate candidate = PlainMeasure(a.Triangles(), b.Triangles(), clearance_squared);
         if (candidate.touches) outcome.touches = true;
+        if (candidate.has_unknown) has_unknown = true;
         if (!candidate.is_valid) continue;
         const bool is_nearest = !best.is_valid || candidate.distance_squared < best.distance_squared;
         if (is_nearest) finding.winner_count = 0;
@@ -167,9 +176,10 @@ inline PlainFinding PlainProximity(const details::CollisionBody& first,
         outcome.state = ProximityState::WithinClearance;
     } else if (best.is_valid || retained.empty()) {
         outcome.state = ProximityState::BeyondClearance;
-        outcome.is_judged = !(outcome.bound < clearance_squared);
+        outcome.is_judged = !(outcome.bound < clearance_squared) && !has_unknown;
     } else {
         outcome.state = ProximityState::Touching;
+        outcome.is_judged = outcome.touches;
     }
     if (!best.is_valid) return finding;
     outcome.distance = std::sqrt(best.distance_squared);

@@ -273,6 +273,22 @@ TEST(ProximitySearch, FindsEmptyBodiesInfinitelyFarAway) {
     }
 }
 
+// A triangle without area has a distance that is no number: the others beside it do not decide for it.
+TEST(ProximitySearch, DoesNotJudgeWhereADistanceIsNoNumber) {
+    const TriangleData sliver{0, 0, 0, 1, 0, 0, 2, 0, 0};
+    const TriangleData far{0, 0, -20, 1, 0, -20, 0, 1, -20};
+    Scene scene;
+    CollisionBody& alone = *scene.AddBody(Mesh{sliver});
+    CollisionBody& beside = *scene.AddBody(Mesh{sliver, far});
+    CollisionBody& box = *scene.AddBody(test::BoxMesh(-1, -1, 5, 1, 1, 6));
+    for (const double clearance : {10.0, 1.0}) {
+        EXPECT_EQ(FindsAsPlain(box, alone, clearance).outcome.is_judged, clearance < 5.0);
+        EXPECT_EQ(FindsAsPlain(box, beside, clearance).outcome.is_judged, clearance < 5.0);
+    }
+    EXPECT_EQ(FindsAsPlain(box, alone, 10.0).outcome.state, ProximityState::Touching);
+    EXPECT_EQ(FindsAsPlain(box, beside, 10.0).outcome.state, ProximityState::BeyondClearance);
+}
+
 TEST(ProximitySearch, CountsAsTouchingBelowTheThresholdOnly) {
     Scene scene;
     const Mesh mesh{{0, 0, 0, 4, 0, 0, 0, 4, 0}};

@@ -16,7 +16,8 @@ namespace tarn {
 /// Bodies, owners, couples, errors and thread-safety are those of `ICollisionConfiguration`. In place of a
 /// flag there is a setting: with `enable`, couples are enabled with its clearance, also those that are
 /// enabled already, whose bodies keep their order; without, they are disabled and the clearance is ignored.
-/// Only `ConfigCouple` looks at the clearance; the others take over what they are given.
+/// Only `ConfigCouple` looks at the clearance; the others take over what they are given (a check counts a
+/// negative one by its square).
 class TARN_API IProximityConfiguration {
 public:
     virtual ~IProximityConfiguration() = default;

@@ -15,7 +15,9 @@ namespace tarn {
 ///
 /// A couple is reported when some of its triangles intersect, or when its measured distance is not above its
 /// clearance. What the check promises:
-///  (1) Triangles that intersect, by the rules of `ICollisionDetector`, are found whatever the clearance.
+///  (1) Whatever `ICollisionDetector` sees to intersect is found, at any clearance. Under large clearances
+///      leaves whose boxes are apart are tested, too, and the rounding noise of large coplanar faces can make
+///      them cross.
 ///  (2) The measured distance is never below the true distance, up to rounding; it need not reach it (see
 ///      below).
 ///  (3) The "all" policies report the same couples with the same distances, segments and triangles, in the
@@ -33,8 +35,9 @@ namespace tarn {
 ///    nearer than the bound, and a couple may go unreported.
 /// `MeasureProximity` tells of such couples.
 ///
-/// Clearances above the root of the largest double count as that. A NaN clearance, and 0, find intersecting
-/// couples only. The tolerances are absolute and suit millimetres; those of `ICollisionDetector` come on top.
+/// Clearances above the root of the largest double count as that, negative ones by their square. A NaN
+/// clearance, and 0, find intersecting couples only. The tolerances are absolute and suit millimetres; those
+/// of `ICollisionDetector` come on top.
 ///
 /// Every call first makes the pending placements current (`UpdateBodies`), then throws what the calls of
 /// `ICollisionDetector` throw. After any exception the caller's result is as it was.

@@ -12,7 +12,8 @@ namespace tarn {
 
 /// How two bodies lie to each other.
 enum class ProximityState : std::uint32_t {
-    /// They touch (squared distance below 0.001) in every pair of leaves that was measured.
+    /// In every pair of leaves that was measured they touch (squared distance below 0.001), or no distance
+    /// was a number: then `is_judged` is false.
     Touching = 0,
     /// Some of their triangles intersect.
     Intersecting = 1,
@@ -40,11 +41,14 @@ struct ProximityOutcome {
     /// Whether some retained pair of leaves touches. Such pairs are left out, and where others were measured,
     /// `state` and `distance` are those of the others: the bodies are nearer than that, and touch.
     bool touches = false;
-    /// False where nothing is known for certain: the distance was measured beyond the clearance, or not at
-    /// all, and two box centres lie nearer each other than the clearance, so that the bound left out pairs of
-    /// leaves that may be nearer. Concentric parts, such as a shaft in its bush, are the usual case. In other
-    /// words: the state is `BeyondClearance`, and `bound` is below the squared clearance. Where it is not,
-    /// whatever was left out is at least the clearance away.
+    /// False where the search cannot tell whether the couple keeps its clearance: no distance within it was
+    /// found, and
+    ///  - two box centres lie nearer each other than the clearance (`bound` is below its square), so that the
+    ///    bound left out pairs of leaves that may be nearer; concentric parts, such as a shaft in its bush, are
+    ///    the usual case, parts inside hollow ones another;
+    ///  - or some triangle without area has a distance that is no number.
+    /// Where it is true for a couple beyond its clearance, whatever was left out is at least the clearance
+    /// away; what was measured may still be nearer than its measured distance.
     bool is_judged = true;
 };
 
