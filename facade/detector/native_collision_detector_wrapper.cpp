@@ -56,9 +56,9 @@ void NativeCollisionDetectorWrapper::Dump(const std::shared_ptr<ICollisionConfig
                                           Text filePath) {
     tarn::ICollisionDetector& detector = Live();
     const std::string path = RequirePath(filePath, configuration.get());
-    DumpToFile(path, [&](std::ostream& stream) {
-        detector.Dump(NativeOf(configuration).Live().Live(), tarn::DumpType::Triangles, stream);
-    });
+    // Before the file is opened: an older one is not lost to a configuration that cannot be dumped.
+    auto& native = NativeOf(configuration).Live().Live();
+    DumpToFile(path, [&](std::ostream& stream) { detector.Dump(native, tarn::DumpType::Triangles, stream); });
 }
 
 void NativeCollisionDetectorWrapper::Store(const std::shared_ptr<ICollisionConfiguration>& configuration,

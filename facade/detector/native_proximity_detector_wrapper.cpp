@@ -66,9 +66,9 @@ void NativeProximityDetectorWrapper::Dump(const std::shared_ptr<IProximityConfig
                                           Text filePath) {
     tarn::IProximityDetector& detector = Live();
     const std::string path = RequirePath(filePath, configuration.get());
-    DumpToFile(path, [&](std::ostream& stream) {
-        detector.Dump(LiveOf(configuration).Live(), tarn::DumpType::Triangles, stream);
-    });
+    // Before the file is opened: an older one is not lost to a configuration that cannot be dumped.
+    auto& native = LiveOf(configuration).Live();
+    DumpToFile(path, [&](std::ostream& stream) { detector.Dump(native, tarn::DumpType::Triangles, stream); });
 }
 
 void NativeProximityDetectorWrapper::Store(const std::shared_ptr<IProximityConfiguration>& configuration,
