@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace tarn::program {
@@ -27,11 +26,17 @@ public:
     /// kept.
     std::uint64_t AddPart(const Part& part);
 
+    /// The same, the part's placement baked into its triangles, which become an element of its own. Returns how
+    /// many triangles the engine kept both before and after.
+    std::uint64_t AddBakedPart(const Part& part);
+
     /// In the order in which parts were added.
     tarn::ICollisionBody& body(std::size_t part) { return *bodies_[part]; }
     std::size_t body_count() const { return bodies_.size(); }
 
 private:
+    tarn::ICollisionBody& AddBody(const Part& part);
+
     // In this order, because the bodies refer to the elements.
     std::vector<std::unique_ptr<tarn::ICollisionElement>> elements_;
     std::vector<std::unique_ptr<tarn::ICollisionBody>> bodies_;
@@ -39,9 +44,5 @@ private:
 
 /// The number of the part that a body of an assembly stands for.
 std::size_t PartOf(const tarn::ICollisionBody& body);
-
-/// The numbers of a couple's parts, the lower one first: reports are ordered by them.
-std::pair<std::size_t, std::size_t> PartsOf(const tarn::ICollisionBody& first,
-                                            const tarn::ICollisionBody& second);
 
 }  // namespace tarn::program

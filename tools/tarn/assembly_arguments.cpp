@@ -78,27 +78,53 @@ const char* const kAssemblyFooter =
     "for any characters, \"?\" for one.\n"
     "\n";
 
-void AddAssemblyArguments(CLI::App& command, AssemblyOptions& options) {
-    command.add_option("FILE", options.files, "Files to check together: " + ReadableFormats())
-        ->required()
-        ->type_name("");
+void AddAssemblyArguments(CLI::App& command, AssemblyOptions& options, const std::string& purpose) {
+    command.add_option("FILE", options.files, purpose + ": " + ReadableFormats())->required()->type_name("");
+    AddUnitArgument(command, options.unit);
+    AddCoupleArguments(command, options.couples);
+}
+
+void AddUnitArgument(CLI::App& command, LengthUnit& unit) {
     AddChoice(command, "--unit", LengthUnitNames(),
               "Unit of the coordinates in files that state none, or whose word is not read; not glTF, not "
               "DAE (default mm)",
-              [&options](const std::string& name) { options.unit = ParseLengthUnit(name); });
-    AddCoupleArguments(command, options.couples);
-    AddChoice(command, "--format", NamesOf(Formats()), "How the report is written (default table)",
-              [&options](const std::string& name) { options.format = Formats().at(name); });
-    AddPath(command, "--output", options.output_path, "Write the report to a file, whole or not at all");
+              [&unit](const std::string& name) { unit = ParseLengthUnit(name); });
+}
+
+void AddFormatArgument(CLI::App& command, ReportFormat& format, bool offers_csv) {
+    std::vector<std::string> names = NamesOf(Formats());
+    if (!offers_csv) std::erase(names, "csv");
+    AddChoice(command, "--format", names, "How the report is written (default table)",
+              [&format](const std::string& name) { format = Formats().at(name); });
+}
+
+CLI::Option* AddOutputArgument(CLI::App& command, RunOptions& options, const std::string& description) {
+    return AddPath(command, "-o,--output", options.output_path, description);
+}
+
+void AddDumpArguments(CLI::App& command, RunOptions& options) {
     CLI::Option* const dump_path = AddPath(command, "--dump-stl", options.dump_path,
                                            "Write all bodies, in millimetres, as one text STL file");
     AddChoice(command, "--dump", NamesOf(DumpTypes()), "What the dump shows (default triangles)",
               [&options](const std::string& name) { options.dump_type = DumpTypes().at(name); })
         ->needs(dump_path);
+}
+
+void AddThreadsArgument(CLI::App& command, RunOptions& options) {
     command.add_option("--threads", options.thread_limit, "Use at most this many threads")
         ->check(CLI::Range(std::size_t{1}, kMostThreads))
         ->type_name("N");
+}
+
+void AddQuietArgument(CLI::App& command, RunOptions& options) {
     command.add_flag("--quiet", options.is_quiet, "Only the exit status: no report, warnings or progress");
+}
+
+void AddReportArguments(CLI::App& command, RunOptions& options) {
+    AddFormatArgument(command, options.format, true);
+    AddOutputArgument(command, options, "Write the report to a file, whole or not at all");
+    AddThreadsArgument(command, options);
+    AddQuietArgument(command, options);
 }
 
 }  // namespace tarn::program

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "assembly_options.h"
+#include "run_options.h"
 
 #include <CLI/CLI.hpp>
 
@@ -13,8 +14,20 @@ namespace tarn::program {
 /// What the end of the help says of files, owners, names and patterns.
 extern const char* const kAssemblyFooter;
 
-/// Adds the arguments that all commands share which look at an assembly.
-void AddAssemblyArguments(CLI::App& command, AssemblyOptions& options);
+/// Adds the arguments that say which assembly a command is about: files, unit, couples. `purpose` is what is
+/// done with the files.
+void AddAssemblyArguments(CLI::App& command, AssemblyOptions& options, const std::string& purpose);
+
+void AddUnitArgument(CLI::App& command, LengthUnit& unit);
+/// The help names CSV only where a command writes it.
+void AddFormatArgument(CLI::App& command, ReportFormat& format, bool offers_csv);
+/// "-o" and "--output".
+CLI::Option* AddOutputArgument(CLI::App& command, RunOptions& options, const std::string& description);
+void AddDumpArguments(CLI::App& command, RunOptions& options);
+void AddThreadsArgument(CLI::App& command, RunOptions& options);
+void AddQuietArgument(CLI::App& command, RunOptions& options);
+/// What commands share that check and report: format, output, threads, quiet.
+void AddReportArguments(CLI::App& command, RunOptions& options);
 
 /// The names of the values from which an option chooses.
 template <typename Value>

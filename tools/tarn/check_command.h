@@ -1,14 +1,16 @@
 #pragma once
 
 #include "assembly_options.h"
+#include "run_options.h"
 
-#include "tarn/collision_detector.h"
+#include "tarn/check_policy.h"
 
 namespace tarn::program {
 
 /// What `tarn check` was asked for.
 struct CheckOptions {
     AssemblyOptions assembly;
+    RunOptions run;
     tarn::CheckPolicy policy = tarn::CheckPolicy::AllInterferencesWithTriangles;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "assembly_options.h"
+#include "run_options.h"
 
 #include <string_view>
 
@@ -9,6 +10,7 @@ namespace tarn::program {
 /// What `tarn clearance` was asked for.
 struct ClearanceOptions {
     AssemblyOptions assembly;
+    RunOptions run;
     double clearance = 0;  ///< in millimetres; finite and not negative
 };
 

@@ -45,13 +45,16 @@ std::size_t CountOf(const ClearanceReport& report, Nearness nearness) {
 
 std::string FormatTable(const ClearanceReport& report) {
     if (report.couples.empty()) return {};
-    TextTable table({"first", "second", "state", "distance [mm]", "from x [mm]", "y [mm]", "z [mm]",
-                     "to x [mm]", "y [mm]", "z [mm]"},
-                    3);
+    const bool shows_clearances = !report.clearance;
+    TextTable::Row heading = {"first",  "second", "state",     "distance [mm]", "from x [mm]",
+                              "y [mm]", "z [mm]", "to x [mm]", "y [mm]",        "z [mm]"};
+    if (shows_clearances) heading.insert(heading.begin() + 3, "clearance [mm]");
+    TextTable table(std::move(heading), 3);
     for (const NearCouple& couple : report.couples) {
         TextTable::Row row = {Printable(couple.first.short_name), Printable(couple.second.short_name),
-                              TextOf(couple.nearness),
-                              couple.distance ? FormatMillimetres(*couple.distance) : "-"};
+                              TextOf(couple.nearness)};
+        if (shows_clearances) row.push_back(FormatMillimetres(couple.clearance));
+        row.push_back(couple.distance ? FormatMillimetres(*couple.distance) : "-");
         AddPoint(row, couple.first_point);
         AddPoint(row, couple.second_point);
         table.Add(std::move(row));
@@ -69,24 +72,28 @@ std::string FormatSummary(const ClearanceReport& report) {
 }
 
 std::string FormatCsv(const ClearanceReport& report) {
+    const bool shows_clearances = !report.clearance;
     std::string csv = fmt::format(
-        "{},state,distance_mm,first_x_mm,first_y_mm,first_z_mm,second_x_mm,second_y_mm,second_z_mm\n",
-        kCsvPartColumns);
+        "{},state{},distance_mm,first_x_mm,first_y_mm,first_z_mm,second_x_mm,second_y_mm,second_z_mm\n",
+        kCsvPartColumns, shows_clearances ? ",clearance_mm" : "");
     for (const NearCouple& couple : report.couples) {
-        csv +=
-            fmt::format("{},{},{},{},{}\n", CsvOfParts(couple.first, couple.second), KeyOf(couple.nearness),
-                        CsvOf(couple.distance), CsvOf(couple.first_point), CsvOf(couple.second_point));
+        const std::string clearance = shows_clearances ? fmt::format(",{}", couple.clearance) : "";
+        csv += fmt::format("{},{}{},{},{},{}\n", CsvOfParts(couple.first, couple.second),
+                           KeyOf(couple.nearness), clearance, CsvOf(couple.distance),
+                           CsvOf(couple.first_point), CsvOf(couple.second_point));
     }
     return csv;
 }
 
 std::string FormatJson(const ClearanceReport& report) {
-    ReportJson findings = {{"clearance_mm", report.clearance}};
+    ReportJson findings = ReportJson::object();
+    if (report.clearance) findings["clearance_mm"] = *report.clearance;
     for (const Nearness nearness : kAll) findings[KeyOf(nearness)] = CountOf(report, nearness);
     ReportJson json = {{"summary", JsonOf(report.summary, findings)}, {"couples", ReportJson::array()}};
     for (const NearCouple& couple : report.couples) {
         ReportJson entry = JsonOfParts(couple.first, couple.second);
         entry["state"] = KeyOf(couple.nearness);
+        if (!report.clearance) entry["clearance_mm"] = couple.clearance;
         entry["distance_mm"] = JsonOf(couple.distance);
         entry["first_point_mm"] = JsonOf(couple.first_point);
         entry["second_point_mm"] = JsonOf(couple.second_point);

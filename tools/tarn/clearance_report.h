@@ -19,16 +19,17 @@ struct NearCouple {
     ReportedPart first;
     ReportedPart second;
     Nearness nearness = Nearness::NotJudged;
+    double clearance = 0;  ///< that the couple should keep
     // Where the couple is too near; otherwise none.
     std::optional<double> distance;
     std::optional<Point> first_point;   ///< on the first part, at that distance from the second's
     std::optional<Point> second_point;  ///< on the second part
 };
 
-/// All that `tarn clearance` tells. Lengths are millimetres.
+/// All that a check of clearances tells. Lengths are millimetres.
 struct ClearanceReport {
     AssemblySummary summary;
-    double clearance = 0;
+    std::optional<double> clearance;  ///< of all couples; none: each has its own, which reports then show
     std::vector<NearCouple> couples;
 };
 

@@ -4,6 +4,10 @@
 #include "check_command.h"
 #include "clearance_command.h"
 #include "console.h"
+#include "info_command.h"
+#include "readers/model_file.h"
+#include "record_command.h"
+#include "replay_command.h"
 
 #include "tarn/exception.h"
 #include "tarn/version.h"
@@ -40,6 +44,27 @@ constexpr const char* kClearanceFooter =
     "Exit status: 0 nothing intersects, touches or is too near, 1 something does, 2 the check could not be\n"
     "done. Couples that are not judged do not count.";
 
+constexpr const char* kRecordFooter =
+    "The scene has each part's triangles where they stand, in millimetres: scenes hold no placements, so\n"
+    "those of the parts are baked in. It has the couples chosen, with --clearance also that, and owners as\n"
+    "numbers. \"replay\" checks it; another tree over the same triangles can change where a crossing is\n"
+    "shown, and what a clearance check measures.\n"
+    "\n"
+    "Exit status: 0 the scene is written, 2 it could not be done.";
+
+constexpr const char* kReplayFooter =
+    "A collision scene is checked as \"check\" does, a proximity scene as \"clearance\" does, each couple\n"
+    "with its own clearance; see their --help. Scenes have no names of owners, so their numbers are shown.\n"
+    "\n"
+    "Exit status: 0 nothing is found, 1 something interferes or is too near, 2 the check could not be done.";
+
+constexpr const char* kInfoFooter =
+    "A file is a scene if its name ends in \".xml\" or it begins with \"<scene\", else a mesh file. Of a "
+    "mesh\n"
+    "file all couples are counted, of a scene those stored. Scenes do not tell what was dropped.\n"
+    "\n"
+    "Exit status: 0 it is told, 2 it could not be done.";
+
 const std::map<std::string, tarn::CheckPolicy>& Policies() {
     static const std::map<std::string, tarn::CheckPolicy> policies = {
         {"first", tarn::CheckPolicy::FirstInterferenceStop},
@@ -57,7 +82,9 @@ void AddCheckCommand(CLI::App& program, CheckOptions& options) {
         check, "--policy", NamesOf(Policies()),
         "Whether to stop at the first couple found, and whether to locate crossings (default all-triangles)",
         [&options](const std::string& name) { options.policy = Policies().at(name); });
-    AddAssemblyArguments(check, options.assembly);
+    AddAssemblyArguments(check, options.assembly, "Files to check together");
+    AddReportArguments(check, options.run);
+    AddDumpArguments(check, options.run);
 }
 
 void AddClearanceCommand(CLI::App& program, ClearanceOptions& options) {
@@ -70,7 +97,61 @@ void AddClearanceCommand(CLI::App& program, ClearanceOptions& options) {
             "The distance within which a couple is reported, in millimetres whatever the files' unit")
         ->required()
         ->type_name("MM");
-    AddAssemblyArguments(command, options.assembly);
+    AddAssemblyArguments(command, options.assembly, "Files to check together");
+    AddReportArguments(command, options.run);
+    AddDumpArguments(command, options.run);
+}
+
+void AddRecordCommand(CLI::App& program, RecordOptions& options) {
+    CLI::App& command =
+        *program.add_subcommand("record", "Write an assembly and the couples to check as a scene file");
+    command.footer(std::string(kAssemblyFooter) + kRecordFooter);
+    AddAssemblyArguments(command, options.assembly, "Files to record together");
+    AddOutputArgument(command, options.run, "The scene file, written whole or not at all")->required();
+    command
+        .add_option_function<std::string>(
+            "--clearance", [&options](const std::string& text) { options.clearance = ParseClearance(text); },
+            "Make it a proximity scene whose couples have this clearance, in millimetres whatever the "
+            "files' unit")
+        ->type_name("MM");
+    AddThreadsArgument(command, options.run);
+    AddQuietArgument(command, options.run);
+}
+
+void AddReplayCommand(CLI::App& program, ReplayOptions& options) {
+    CLI::App& command = *program.add_subcommand("replay", "Check the couples of a scene file");
+    command.footer(kReplayFooter);
+    command.add_option("SCENE", options.file, "The scene file")->required()->type_name("");
+    AddReportArguments(command, options.run);
+}
+
+void AddInfoCommand(CLI::App& program, InfoOptions& options) {
+    CLI::App& command = *program.add_subcommand("info", "Tell what is in a mesh file or a scene file");
+    command.footer(kInfoFooter);
+    command.add_option("FILE", options.file, "A scene file or a mesh file: " + ReadableFormats())
+        ->required()
+        ->type_name("");
+    AddUnitArgument(command, options.unit);
+    AddFormatArgument(command, options.run.format, false);
+    AddOutputArgument(command, options.run, "Write the report to a file, whole or not at all");
+    AddThreadsArgument(command, options.run);
+}
+
+bool RunChosen(const CLI::App& program,
+               const CheckOptions& check,
+               const ClearanceOptions& clearance,
+               const RecordOptions& record,
+               const ReplayOptions& replay,
+               const InfoOptions& info) {
+    if (program.got_subcommand("check")) return RunCheck(check);
+    if (program.got_subcommand("clearance")) return RunClearance(clearance);
+    if (program.got_subcommand("replay")) return RunReplay(replay);
+    if (program.got_subcommand("record")) {
+        RunRecord(record);
+    } else {
+        RunInfo(info);
+    }
+    return false;
 }
 
 ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
@@ -81,6 +162,12 @@ ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
     AddCheckCommand(program, check);
     ClearanceOptions clearance;
     AddClearanceCommand(program, clearance);
+    RecordOptions record;
+    AddRecordCommand(program, record);
+    ReplayOptions replay;
+    AddReplayCommand(program, replay);
+    InfoOptions info;
+    AddInfoCommand(program, info);
     try {
         program.parse(argument_count, arguments);
     } catch (const CLI::CallForVersion&) {
@@ -90,7 +177,7 @@ ExitStatus ParseAndRun(int argument_count, const char* const* arguments) {
         PrintResult(program.help());
         return ExitStatus::Clear;
     }
-    const bool found_any = program.got_subcommand("check") ? RunCheck(check) : RunClearance(clearance);
+    const bool found_any = RunChosen(program, check, clearance, record, replay, info);
     return found_any ? ExitStatus::Found : ExitStatus::Clear;
 }
 

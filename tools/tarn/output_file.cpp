@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <system_error>
 
 namespace tarn::program {
@@ -22,6 +23,17 @@ bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& o
     }
     const auto resolved = std::filesystem::weakly_canonical(one, error);
     return !error && resolved == std::filesystem::weakly_canonical(other, error) && !error;
+}
+
+void RefuseOverwriting(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
+    std::vector<std::string> taken = inputs;
+    for (const std::string& path : outputs) {
+        if (path.empty()) continue;
+        const auto is_same = [&path](const std::string& other) { return IsSameFile(path, other); };
+        if (std::ranges::any_of(taken, is_same))
+            throw ProgramError(path + ": is to be written, but is another of the files given");
+        taken.push_back(path);
+    }
 }
 
 }  // namespace tarn::program

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace tarn::program {
 
@@ -13,5 +15,9 @@ void WriteOutputFile(const std::filesystem::path& target, const std::function<vo
 /// Whether writing to one path changes what is behind the other: the same regular file, whatever the names
 /// and links, or the same name of a file that is not there yet.
 bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
+
+/// An output must be neither an input nor another output: all are lost then, or one. Empty outputs are none.
+/// Throws `ProgramError`.
+void RefuseOverwriting(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs);
 
 }  // namespace tarn::program

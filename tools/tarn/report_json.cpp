@@ -21,10 +21,14 @@ ReportJson JsonOf(const std::optional<double>& number) {
     return number ? ReportJson(*number) : ReportJson();
 }
 
+ReportJson JsonOf(const std::optional<std::uint64_t>& count) {
+    return count ? ReportJson(*count) : ReportJson();
+}
+
 ReportJson JsonOf(const AssemblySummary& summary, const ReportJson& findings) {
     ReportJson json = {{"bodies", summary.body_count},
                        {"triangles_kept", summary.kept_triangle_count},
-                       {"triangles_dropped", summary.dropped_triangle_count},
+                       {"triangles_dropped", JsonOf(summary.dropped_triangle_count)},
                        {"couples", summary.couple_count}};
     json.update(findings);
     json["loading_seconds"] = summary.loading_seconds;

@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,8 @@ ReportJson JsonOf(const std::optional<Point>& point);
 
 /// A number with all digits, or null.
 ReportJson JsonOf(const std::optional<double>& number);
+
+ReportJson JsonOf(const std::optional<std::uint64_t>& count);
 
 /// The summary, with the members of `findings` in its middle.
 ReportJson JsonOf(const AssemblySummary& summary, const ReportJson& findings);
