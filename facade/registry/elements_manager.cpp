@@ -16,7 +16,8 @@ constexpr const char* kPlatformLineEnd = "\r\n";
 constexpr const char* kPlatformLineEnd = "\n";
 #endif
 
-/// Guards making and disposing the registry, and what counts both.
+/// Guards making the registry, and what counts that and its disposals. Taken last, and never while an
+/// element is called.
 std::mutex& SyncInstance() {
     static std::mutex sync_instance;
     return sync_instance;
@@ -36,8 +37,10 @@ ElementsManager::Lock::~Lock() {
 }
 
 ElementsManager& ElementsManager::get_Instance() {
-    const std::lock_guard lock(SyncInstance());
-    static auto* const instance = new ElementsManager();
+    static auto* const instance = [] {
+        const std::lock_guard lock(SyncInstance());
+        return new ElementsManager();
+    }();
     return *instance;
 }
 
@@ -52,11 +55,13 @@ ElementsManager::ElementsManager() {
 }
 
 void ElementsManager::Dispose() {
-    const std::lock_guard sync_lock(SyncInstance());
-    Counts().short_name.clear();
-    ++Counts().delete_count;
-    ++Counts().dispose_count;
     const Lock lock(*this);
+    {
+        const std::lock_guard sync_lock(SyncInstance());
+        Counts().short_name.clear();
+        ++Counts().delete_count;
+        ++Counts().dispose_count;
+    }
     if (disposed_) return;
     disposed_ = true;
     ClearLocked();
@@ -136,6 +141,11 @@ std::vector<ElementsManager::Wrapper> ElementsManager::Get(const Elements& eleme
     wrappers.reserve(elements.size());
     for (const Element& element : elements) wrappers.push_back(Get(element));
     return wrappers;
+}
+
+void ElementsManager::KeepUntilUnlocked(Element element) const {
+    const Lock lock(*this);
+    removed_.push_back({std::move(element), nullptr});
 }
 
 void ElementsManager::Clear() {

@@ -89,6 +89,9 @@ public:
     };
     Lock GetLock() const { return Lock(*this); }
 
+    /// Takes over what may be the last reference to an element: it goes after the registry's lock.
+    void KeepUntilUnlocked(Element element) const;
+
     /// Changes whenever bodies are given up that somebody else than the registry still holds.
     std::uint64_t GetEpoch() const { return epoch_.load(std::memory_order_acquire); }
 
