@@ -30,7 +30,6 @@ std::shared_ptr<NativeBody> MakeNativeBody(const ICollisionElement& element) {
         tarn::make_unique_body(NativeBodyId(element), NativeOwnerId(owner.get()), element.get_Name());
     native->body->AddElement(native->mesh->get_Element());
     native->body->SetLeafNumber(kLeafSize);
-    native->body->SetMatrix(PlacementOf(element));
     return native;
 }
 
@@ -43,12 +42,12 @@ std::shared_ptr<NativeCollisionBodyWrapper> NativeCollisionBodyWrapper::Make(
     const std::shared_ptr<NativeCollisionBodyWrapper> wrapper(
         new NativeCollisionBodyWrapper(std::move(with_mesh)));
     wrapper->Subscribe(wrapper);
+    wrapper->Build();
     return wrapper;
 }
 
 NativeCollisionBodyWrapper::NativeCollisionBodyWrapper(std::shared_ptr<ICollisionElement> element)
-    : element_(std::move(element)),
-      native_(MakeNativeBody(*element_)) {}
+    : element_(std::move(element)) {}
 
 /// The handlers do not own the wrapper: it owns the element, and the element owns its events.
 void NativeCollisionBodyWrapper::Subscribe(const std::shared_ptr<NativeCollisionBodyWrapper>& self) {
@@ -61,7 +60,24 @@ void NativeCollisionBodyWrapper::Subscribe(const std::shared_ptr<NativeCollision
     });
 }
 
-bool NativeCollisionBodyWrapper::GiveUp() {
+/// The events are followed already, so a change that comes while the element is read is not missed.
+void NativeCollisionBodyWrapper::Build() {
+    const std::shared_ptr<ICollisionElement> element = element_;
+    std::shared_ptr<NativeBody> native = MakeNativeBody(*element);
+    bool has_changed = false;
+    {
+        const std::lock_guard lock(lock_);
+        native_ = std::move(native);
+        has_changed = reshapes_.begun > 0;
+    }
+    if (has_changed) {
+        OnCollisionElementChanged();
+    } else {
+        OnPositionChanged();
+    }
+}
+
+bool NativeCollisionBodyWrapper::GiveUp() noexcept {
     // Declared before the lock, so that they go after it: last references may run the caller's code.
     std::shared_ptr<ICollisionElement> element;
     std::shared_ptr<NativeBody> native;
@@ -72,8 +88,13 @@ bool NativeCollisionBodyWrapper::GiveUp() {
         element = std::move(element_);
         native = std::move(native_);
     }
-    element->get_PositionChanged().remove(position_token_);
-    element->get_CollisionElementChanged().remove(shape_token_);
+    try {
+        element->get_PositionChanged().remove(position_token_);
+        element->get_CollisionElementChanged().remove(shape_token_);
+    } catch (...) {
+        // Memory ran out, or the element's code threw. What stays subscribed does nothing: it finds this
+        // disposed.
+    }
     return native.use_count() > 1;
 }
 
@@ -94,8 +115,9 @@ void NativeCollisionBodyWrapper::OnPositionChanged() {
     {
         const std::lock_guard lock(lock_);
         if (disposed_) return;
-        element = element_;
         turn = ++moves_.begun;
+        if (!native_) return;
+        element = element_;
     }
     const tarn::MATRIX placement = PlacementOf(*element);
     const std::lock_guard lock(lock_);
@@ -108,8 +130,9 @@ void NativeCollisionBodyWrapper::OnCollisionElementChanged() {
     {
         const std::lock_guard lock(lock_);
         if (disposed_) return;
-        element = element_;
         turn = ++reshapes_.begun;
+        if (!native_) return;
+        element = element_;
     }
     auto mesh = std::make_unique<NativeCollisionElementWrapper>(*element);
     {

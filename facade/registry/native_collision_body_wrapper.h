@@ -20,7 +20,7 @@ namespace Ostrel::Quarrix::Collisions {
 /// registry's lock is held, too, that one was taken first.
 class NativeCollisionBodyWrapper final : public IDisposable {
 public:
-    /// Builds mesh, body and hierarchy, applies the position, subscribes to the events. The use count is 1.
+    /// Subscribes to the events, builds mesh, body and hierarchy, applies the position. The use count is 1.
     /// Throws `ArgumentNullException`, without a parameter name, for an element without a mesh.
     static std::shared_ptr<NativeCollisionBodyWrapper> Make(
         const std::shared_ptr<ICollisionConfigurationElement>& element);
@@ -29,7 +29,7 @@ public:
     /// Ends the subscriptions and gives the body up.
     void Dispose() override { GiveUp(); }
     /// The same. Returns whether somebody else still holds the body.
-    bool GiveUp();
+    bool GiveUp() noexcept;
     bool IsDisposed() const;
 
     /// Throw `ObjectDisposedException` with an empty object name after disposal.
@@ -59,6 +59,7 @@ private:
     explicit NativeCollisionBodyWrapper(std::shared_ptr<ICollisionElement> element);
 
     void Subscribe(const std::shared_ptr<NativeCollisionBodyWrapper>& self);
+    void Build();
     void OnPositionChanged();
     void OnCollisionElementChanged();
     void ReplaceMesh(std::unique_ptr<NativeCollisionElementWrapper> mesh);
@@ -66,6 +67,7 @@ private:
     mutable std::mutex lock_;
     bool disposed_ = false;
     std::shared_ptr<ICollisionElement> element_;
+    /// Null until it is built, and after disposal.
     std::shared_ptr<NativeBody> native_;
     Turns moves_;
     Turns reshapes_;
