@@ -23,12 +23,12 @@ NativeCollisionConfigurationWrapper::Configuration& LiveOf(
 }  // namespace
 
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper()
-    : configuration_(std::make_unique<Configuration>()) {}
+    : configuration_(std::make_shared<Configuration>()) {}
 
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
     const NativeCollisionConfigurationWrapper& source)
     : Object(),
-      configuration_(std::make_unique<Configuration>(source.Live())) {}
+      configuration_(std::make_shared<Configuration>(source.Live())) {}
 
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
     tarn::ICollisionConfiguration* retrieved)
@@ -44,7 +44,7 @@ NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
 
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
     std::unique_ptr<tarn::ICollisionConfiguration> native)
-    : configuration_(std::make_unique<Configuration>(std::move(native))) {}
+    : configuration_(std::make_shared<Configuration>(std::move(native))) {}
 
 auto NativeCollisionConfigurationWrapper::Live() const -> Configuration& {
     if (!configuration_) throw ObjectDisposedException("");
@@ -54,16 +54,19 @@ auto NativeCollisionConfigurationWrapper::Live() const -> Configuration& {
 void NativeCollisionConfigurationWrapper::AddElement(const Element& element,
                                                      CheckCoupleConfiguration checkConfiguration,
                                                      double /*tolerance*/) {
-    Live().AddElement(element, Enables(checkConfiguration));
+    Live();
+    const std::shared_ptr<Configuration> configuration = configuration_;
+    configuration->AddElement(element, Enables(checkConfiguration));
 }
 
 void NativeCollisionConfigurationWrapper::AddElements(Sequence<Element> elements,
                                                       CheckCoupleConfiguration checkConfiguration,
                                                       double /*tolerance*/) {
-    Configuration& configuration = Live();
+    Live();
+    const std::shared_ptr<Configuration> configuration = configuration_;
     const std::vector<Element> distinct = DistinctElements(elements);
     const ElementsManager::Lock lock(ElementsManager::get_Instance());
-    for (const Element& element : distinct) configuration.AddKnown(element, Enables(checkConfiguration));
+    for (const Element& element : distinct) configuration->AddKnown(element, Enables(checkConfiguration));
 }
 
 void NativeCollisionConfigurationWrapper::RemoveElement(const Element& element) {

@@ -76,8 +76,8 @@ public:
     Configuration& Live() const;
 
 private:
-    /// Null after disposal.
-    std::unique_ptr<Configuration> configuration_;
+    /// Null after disposal. Operations that run elements' code share it: that code may dispose this.
+    std::shared_ptr<Configuration> configuration_;
 };
 
 }  // namespace Ostrel::Quarrix::Collisions

@@ -49,8 +49,8 @@ NativeConfiguration<Kind>::NativeConfiguration(const NativeConfiguration& other)
     seen_epoch_ = other.seen_epoch_;
     const ElementsManager::Lock lock(ElementsManager::get_Instance());
     for (Entry entry : other.entries_) {
-        // A use that was given back, or went with its body, is not doubled.
-        entry.has_use = entry.has_use && !entry.wrapper->IsDisposed() &&
+        // A use that went with its body is not doubled.
+        entry.has_use = !entry.wrapper->IsDisposed() &&
                         ElementsManager::get_Instance().IncreaseReferenceCount(entry.element);
         Insert(std::move(entry));
     }
@@ -104,6 +104,7 @@ void NativeConfiguration<Kind>::DropGone() {
         entry = next;
     }
     seen_epoch_ = epoch;
+    for (Entry& entry : gone) ElementsManager::get_Instance().KeepUntilUnlocked(std::move(entry.element));
 }
 
 template <typename Kind>
@@ -141,6 +142,13 @@ auto NativeConfiguration<Kind>::Enter(const Element& element, Entry*& entry) -> 
     } else {
         wrapper = manager.Add(element);
         taken = Taken::Body;
+        // Making the body has run the element's code, which may have added it here meanwhile.
+        const auto found = map_.find(TValue{wrapper->get_Body()});
+        if (found != map_.end()) {
+            manager.Remove(element);
+            entry = &*found->second;
+            return Taken::Nothing;
+        }
     }
     try {
         Insert({element, wrapper, wrapper->get_Native(), true});

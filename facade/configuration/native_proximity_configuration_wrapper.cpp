@@ -31,12 +31,12 @@ NativeProximityConfigurationWrapper::Configuration& LiveOf(
 }  // namespace
 
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper()
-    : configuration_(std::make_unique<Configuration>()) {}
+    : configuration_(std::make_shared<Configuration>()) {}
 
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
     const NativeProximityConfigurationWrapper& source)
     : Object(),
-      configuration_(std::make_unique<Configuration>(source.Live())) {}
+      configuration_(std::make_shared<Configuration>(source.Live())) {}
 
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
     tarn::IProximityConfiguration* retrieved)
@@ -51,7 +51,7 @@ NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
 
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
     std::unique_ptr<tarn::IProximityConfiguration> native)
-    : configuration_(std::make_unique<Configuration>(std::move(native))) {}
+    : configuration_(std::make_shared<Configuration>(std::move(native))) {}
 
 auto NativeProximityConfigurationWrapper::Live() const -> Configuration& {
     if (!configuration_) throw ObjectDisposedException("");
@@ -59,9 +59,10 @@ auto NativeProximityConfigurationWrapper::Live() const -> Configuration& {
 }
 
 void NativeProximityConfigurationWrapper::AddElement(const Element& element, const Setting& setting) {
-    Configuration& configuration = Live();
+    Live();
+    const std::shared_ptr<Configuration> configuration = configuration_;
     RequireNotNull(element, "element");
-    configuration.AddElement(element, Required(setting));
+    configuration->AddElement(element, Required(setting));
 }
 
 void NativeProximityConfigurationWrapper::AddElements(Sequence<Element> elements, const Setting& setting) {
