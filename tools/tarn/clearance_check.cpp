@@ -18,6 +18,7 @@ namespace {
 /// Where parts touch, they are no farther apart, whatever was measured elsewhere.
 Nearness NearnessOf(const tarn::ProximityOutcome& outcome) {
     if (outcome.touches) return Nearness::Touching;
+    if (!outcome.is_judged) return Nearness::NotJudged;
     switch (outcome.state) {
         case tarn::ProximityState::Intersecting:
             return Nearness::Intersecting;
@@ -77,8 +78,8 @@ public:
         const std::size_t unjudged_count = CountOf(report_, Nearness::NotJudged);
         if (unjudged_count == 0) return {};
         return {
-            fmt::format("{} couples are not judged, because box centres all but coincide (see --help): "
-                        "they may be too near, or not",
+            fmt::format("{} couples are not judged, because the search could not look closely enough (see "
+                        "--help): they may be too near, or not",
                         unjudged_count)};
     }
 
