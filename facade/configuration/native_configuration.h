@@ -4,6 +4,7 @@
 #include "ostrel/quarrix/object.h"
 #include "ostrel/quarrix/sequence.h"
 #include "registry/elements_manager.h"
+#include "registry/flat_map.h"
 #include "registry/native_body.h"
 
 #include "tarn/collision_configuration.h"
@@ -11,10 +12,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace Ostrel::Quarrix::Collisions {
@@ -127,7 +128,7 @@ private:
     std::unique_ptr<Interface> native_;
     /// In the order in which they came.
     Entries entries_;
-    std::unordered_map<TValue, typename Entries::iterator, Hash> map_;
+    FlatMap<TValue, typename Entries::iterator, Hash> map_;
     std::uint64_t seen_epoch_;
 };
 

@@ -13,7 +13,9 @@ Event::Token Event::add(Handler handler) {
     // What is replaced goes after the lock: a handler's destructor may use the event.
     std::shared_ptr<const Subscriptions> replaced;
     const std::lock_guard lock(mutex_);
-    auto subscriptions = std::make_shared<Subscriptions>(*subscriptions_);
+    auto subscriptions = std::make_shared<Subscriptions>();
+    subscriptions->reserve(subscriptions_->size() + 1);
+    subscriptions->assign(subscriptions_->begin(), subscriptions_->end());
     const Token token{last_token_ + 1};
     subscriptions->push_back({token, std::move(handler)});
     ++last_token_;

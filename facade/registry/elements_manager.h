@@ -3,6 +3,7 @@
 #include "ostrel/quarrix/collision_configuration_element.h"
 #include "ostrel/quarrix/disposable.h"
 #include "registry/debug_info.h"
+#include "registry/flat_map.h"
 #include "registry/native_collision_body_wrapper.h"
 
 #include <atomic>
@@ -12,7 +13,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace Ostrel::Quarrix::Collisions {
@@ -133,7 +133,7 @@ private:
     bool disposed_ = false;
     /// In the order of registration.
     Entries entries_;
-    std::unordered_map<const ICollisionConfigurationElement*, Entries::iterator, Hash, Equal> map_;
+    FlatMap<const ICollisionConfigurationElement*, Entries::iterator, Hash, Equal> map_;
 };
 
 }  // namespace Ostrel::Quarrix::Collisions
