@@ -56,12 +56,13 @@ private:
 };
 
 using Elements = std::vector<std::shared_ptr<LatticeElement>>;
-const std::array<Mesh, 2> kShapes = Lattice::Shapes();
+using Shapes = std::array<Mesh, 2>;
+const Shapes kSmall = Lattice::Shapes();
 
-Elements MakeElements(std::size_t count) {
+Elements MakeElements(std::size_t count, const Shapes& shapes = kSmall) {
     Elements elements;
     for (std::size_t i = 0; i < count; ++i)
-        elements.push_back(std::make_shared<LatticeElement>(kShapes[Lattice::ShapeOf(i)]));
+        elements.push_back(std::make_shared<LatticeElement>(shapes[Lattice::ShapeOf(i)]));
     return elements;
 }
 
@@ -76,11 +77,12 @@ struct EngineObjects {
 };
 
 std::vector<EngineObjects> MakeEngineObjects(std::size_t count,
-                                             tarn::ICollisionConfiguration& configuration) {
+                                             tarn::ICollisionConfiguration& configuration,
+                                             const Shapes& shapes = kSmall) {
     std::vector<EngineObjects> all;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string name = "element of the lattice";
-        EngineObjects objects{tarn::make_unique_element(name, kShapes[Lattice::ShapeOf(i)]),
+        EngineObjects objects{tarn::make_unique_element(name, shapes[Lattice::ShapeOf(i)]),
                               tarn::make_unique_body(static_cast<std::uint32_t>(i), 0, name)};
         objects.body->AddElement(objects.mesh.get());
         objects.body->SetLeafNumber(5);
@@ -124,26 +126,38 @@ void Report(benchmark::State& state, Times& engine, Times& facade) {
     state.counters["ratio"] = facade.Median() / engine.Median();
 }
 
+/// Arguments: how many elements, and the rings of balls to be their meshes, 0 for the lattice's small ones.
 void AddElements(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
+    const int rings = static_cast<int>(state.range(1));
+    const Shapes shapes =
+        rings == 0 ? kSmall : Shapes{tarn::test::BallMesh(1.0, rings), tarn::test::BallMesh(2.0, rings)};
     Times engine;
     Times facade;
     tarn::RunWithThreadLimit(1, [&] {
-        for (auto _ : state) {
-            {
-                const auto configuration = tarn::make_unique_configuration();
-                std::vector<EngineObjects> objects;
-                engine.Measure([&] { objects = MakeEngineObjects(count, *configuration); });
-            }
-            const Elements elements = MakeElements(count);
+        const auto add_to_engine = [&] {
+            const auto configuration = tarn::make_unique_configuration();
+            std::vector<EngineObjects> objects;
+            engine.Measure([&] { objects = MakeEngineObjects(count, *configuration, shapes); });
+        };
+        const auto add_to_facade = [&] {
+            const Elements elements = MakeElements(count, shapes);
             const auto configuration = CollisionFactory().MakeCollisionConfiguration();
             facade.Measure([&] {
                 for (const auto& element : elements)
                     configuration->AddElement(element, CheckCoupleConfiguration::None, 0.0);
             });
+        };
+        bool engine_first = false;
+        for (auto _ : state) {
+            engine_first = !engine_first;  // what one frees the other finds
+            if (engine_first) add_to_engine();
+            add_to_facade();
+            if (!engine_first) add_to_engine();
             state.SetIterationTime(facade.Last() * 1e-3);
         }
     });
+    state.counters["triangles"] = static_cast<double>(shapes[0].size() + shapes[1].size()) / 2.0;
     Report(state, engine, facade);
 }
 
@@ -242,15 +256,16 @@ void RetrieveCouples(benchmark::State& state) {
     state.counters["couples"] = static_cast<double>(scene.lattice.CoupleCount());
 }
 
-void Named(benchmark::internal::Benchmark* benchmark) {
-    benchmark->ArgName("elements")->Unit(benchmark::kMillisecond)->UseManualTime();
+void Timed(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Unit(benchmark::kMillisecond)->UseManualTime();
 }
 
-BENCHMARK(AddElements)->Apply(Named)->Arg(10'000)->Iterations(21);
-BENCHMARK(MoveElements)->Apply(Named)->Arg(10'000)->Iterations(101);
-BENCHMARK(Check)->Apply(Named)->Arg(1000)->Iterations(41);
-BENCHMARK(Check)->Apply(Named)->Arg(4000)->Iterations(11);
-BENCHMARK(RetrieveCouples)->Apply(Named)->Arg(1000)->Iterations(11);
+BENCHMARK(AddElements)->Apply(Timed)->ArgNames({"elements", "rings"})->Args({10'000, 0})->Iterations(21);
+BENCHMARK(AddElements)->Apply(Timed)->ArgNames({"elements", "rings"})->Args({1000, 16})->Iterations(21);
+BENCHMARK(MoveElements)->Apply(Timed)->ArgName("elements")->Arg(10'000)->Iterations(101);
+BENCHMARK(Check)->Apply(Timed)->ArgName("elements")->Arg(1000)->Iterations(41);
+BENCHMARK(Check)->Apply(Timed)->ArgName("elements")->Arg(4000)->Iterations(11);
+BENCHMARK(RetrieveCouples)->Apply(Timed)->ArgName("elements")->Arg(1000)->Iterations(11);
 
 }  // namespace
 }  // namespace Ostrel::Quarrix::Collisions
