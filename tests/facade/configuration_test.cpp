@@ -117,48 +117,45 @@ using Kinds = testing::Types<test::CollisionKind, test::ProximityKind>;
 TYPED_TEST_SUITE(ConfigurationTest, Kinds, test::KindNames);
 
 TYPED_TEST(ConfigurationTest, TestsDisposalFirstThenArgumentsInOrder) {
-    using Kind = TypeParam;
-    using Configuration = typename Kind::Configuration;
-    const auto c = Kind::Make();
-    const auto disposed = Kind::Make();
+    using C = typename TypeParam::Configuration;
+    const auto c = TypeParam::Make();
+    const auto disposed = TypeParam::Make();
     disposed->Dispose();
     disposed->Dispose();
     const auto part = std::make_shared<Part>();
     const auto owner = std::make_shared<test::Owner>();
-    const auto nothing = std::shared_ptr<Part>();
-    const std::vector<std::pair<std::function<void(Configuration&)>, std::string>> calls{
-        {[&](auto& x) { Call<Kind>(x, &Configuration::AddElement, kOn, nothing); }, NullError("element")},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::AddElements, kOn, nullptr); }, NullError("elements")},
-        {[&](auto& x) { x.RemoveElement(nullptr); }, NullError("element")},
-        {[&](auto& x) { x.RemoveAllElements(); }, ""},
-        {[&](auto& x) { x.AppendDistinctConfiguration(nullptr); }, NullError("configuration")},
-        {[&](auto& x) { x.AppendDistinctConfiguration(disposed); }, kDisposedError},
-        {[&](auto& x) { x.Swap(nullptr); }, NullError("configuration")},
-        {[&](auto& x) { x.Swap(disposed); }, kDisposedError},
-        {[&](auto& x) { (void)x.Clone(); }, ""},
-        {[&](auto& x) { (void)x.CoupleIsEnable(nullptr, nullptr); }, NullError("element1")},
-        {[&](auto& x) { (void)x.CoupleIsEnable(part, nullptr); }, NullError("element2")},
-        {[&](auto& x) { (void)x.RetrieveElements(); }, ""},
-        {[&](auto& x) { (void)x.RetrieveCouples(); }, ""},
-        {[&](auto& x) { (void)x.RetrieveCouplesCount(); }, ""},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::ConfigCouple, kOn, nullptr, nullptr); },
-         NullError("element1")},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::ConfigCouple, kOn, part, nullptr); },
-         NullError("element2")},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::ConfigOwnerAgainstAll, kOn, nullptr); }, ""},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::ConfigInterOwners, kOn, nullptr); },
-         NullError("ownersList")},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::ConfigIntraOwner, kOn, owner); }, ""},
-        {[&](auto& x) { x.DisableAllChecks(owner); }, ""},
-        {[&](auto& x) { x.DisableAllChecks(); }, ""},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::EnableOwnerAgainstAllOnly, kOn, owner); }, ""},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::EnableInterOwnersOnly, kOn, nullptr); },
-         NullError("ownersList")},
-        {[&](auto& x) { Call<Kind>(x, &Configuration::EnableIntraOwnerOnly, kOn, owner); }, ""}};
-    for (const auto& [call, error] : calls) {
-        SCOPED_TRACE(testing::Message() << "call " << &call - &calls[0].first);
-        EXPECT_EQ(ErrorOf([&] { call(*c); }), error);
-        EXPECT_EQ(ErrorOf([&] { call(*disposed); }), kDisposedError);
+    const auto call = [](auto operation, auto... given) {
+        return [=](C& x) { Call<TypeParam>(x, operation, kOn, given...); };
+    };
+    const std::vector<std::pair<std::function<void(C&)>, std::string>> calls{
+        {call(&C::AddElement, nullptr), NullError("element")},
+        {call(&C::AddElements, nullptr), NullError("elements")},
+        {[](C& x) { x.RemoveElement(nullptr); }, NullError("element")},
+        {[](C& x) { x.RemoveAllElements(); }, ""},
+        {[](C& x) { x.AppendDistinctConfiguration(nullptr); }, NullError("configuration")},
+        {[&](C& x) { x.AppendDistinctConfiguration(disposed); }, kDisposedError},
+        {[](C& x) { x.Swap(nullptr); }, NullError("configuration")},
+        {[&](C& x) { x.Swap(disposed); }, kDisposedError},
+        {[](C& x) { (void)x.Clone(); }, ""},
+        {[](C& x) { (void)x.CoupleIsEnable(nullptr, nullptr); }, NullError("element1")},
+        {[&](C& x) { (void)x.CoupleIsEnable(part, nullptr); }, NullError("element2")},
+        {[](C& x) { (void)x.RetrieveElements(); }, ""},
+        {[](C& x) { (void)x.RetrieveCouples(); }, ""},
+        {[](C& x) { (void)x.RetrieveCouplesCount(); }, ""},
+        {call(&C::ConfigCouple, nullptr, nullptr), NullError("element1")},
+        {call(&C::ConfigCouple, part, nullptr), NullError("element2")},
+        {call(&C::ConfigOwnerAgainstAll, nullptr), ""},
+        {call(&C::ConfigInterOwners, nullptr), NullError("ownersList")},
+        {call(&C::ConfigIntraOwner, owner), ""},
+        {[&](C& x) { x.DisableAllChecks(owner); }, ""},
+        {[](C& x) { x.DisableAllChecks(); }, ""},
+        {call(&C::EnableOwnerAgainstAllOnly, owner), ""},
+        {call(&C::EnableInterOwnersOnly, nullptr), NullError("ownersList")},
+        {call(&C::EnableIntraOwnerOnly, owner), ""}};
+    for (const auto& each : calls) {
+        SCOPED_TRACE(testing::Message() << "call " << &each - calls.data());
+        EXPECT_EQ(ErrorOf([&] { each.first(*c); }), each.second);
+        EXPECT_EQ(ErrorOf([&] { each.first(*disposed); }), kDisposedError);
     }
     EXPECT_EQ(this->MergeError(*c, nullptr), NullError("configuration"));
     EXPECT_EQ(this->MergeError(*c, disposed), kDisposedError);
