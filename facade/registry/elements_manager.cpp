@@ -23,9 +23,10 @@ std::mutex& SyncInstance() {
     return sync_instance;
 }
 
+/// Never destroyed, like the registry.
 DebugInfo& Counts() {
-    static DebugInfo counts;
-    return counts;
+    static auto* const counts = new DebugInfo();
+    return *counts;
 }
 
 }  // namespace
