@@ -38,7 +38,7 @@ coverage:
 	@scripts/bootstrap build coverage
 	@scripts/build coverage
 	ctest --preset coverage
-	gcovr --root . --filter engine/ --filter tools/ build/coverage
+	gcovr --root . --filter engine/ --filter facade/ --filter tools/ build/coverage
 
 bench:
 	@scripts/bootstrap build bench
