@@ -237,6 +237,31 @@ TEST_F(ElementsManagerTest, MissesNoChangeWhileABodyIsBuilt) {
     registry_.Remove(part);
 }
 
+// Of changes at the same time the latest counts, whichever handler ends last.
+TEST_F(ElementsManagerTest, KeepsTheNewestStateOfAnElement) {
+    const auto part = std::make_shared<Part>("part", test::Stack(2));
+    const auto wrapper = registry_.Add(part);
+    // While one run of a handler waits, another takes place from end to end; then the first goes on with what
+    // it could have read before.
+    part->on_load = [&, first = true]() mutable {
+        if (!std::exchange(first, false)) return;
+        std::thread([&] { part->Reshape(test::Stack(5)); }).join();
+        part->SetMesh(test::Stack(3));
+    };
+    part->Reshape(test::Stack(2));
+    EXPECT_EQ(wrapper->get_Body()->GetStatistics().triangle_count, 5U);
+    part->on_load = nullptr;
+    part->Reshape(BoxMesh(-0.5, -0.5, -0.5, 0.5, 0.5, 0.5));
+    part->on_position = [&, first = true]() mutable {
+        if (!std::exchange(first, false)) return;
+        std::thread([&] { part->MoveToX(5); }).join();
+        part->SetX(3);
+    };
+    part->MoveToX(1);
+    EXPECT_TRUE(IsAt(wrapper, 5.5));
+    registry_.Remove(part);
+}
+
 TEST_F(ElementsManagerTest, TakesPartsIntoAccountThatAreAddedWhileTheyLoad) {
     const auto part = std::make_shared<Part>();
     part->on_load = [this, &part, done = false]() mutable {
