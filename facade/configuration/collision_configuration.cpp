@@ -77,7 +77,7 @@ void CollisionConfiguration::Swap(const std::shared_ptr<ICollisionConfiguration>
 }
 
 std::shared_ptr<ICollisionConfiguration> CollisionConfiguration::Clone() const {
-    auto copy = std::make_shared<NativeCollisionConfigurationWrapper>(Native());
+    auto copy = std::make_shared<NativeCollisionConfigurationWrapper>(Native().Live());
     return std::shared_ptr<CollisionConfiguration>(new CollisionConfiguration(std::move(copy)));
 }
 

@@ -25,10 +25,8 @@ NativeCollisionConfigurationWrapper::Configuration& LiveOf(
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper()
     : configuration_(std::make_shared<Configuration>()) {}
 
-NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
-    const NativeCollisionConfigurationWrapper& source)
-    : Object(),
-      configuration_(std::make_shared<Configuration>(source.Live())) {}
+NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(const Configuration& source)
+    : configuration_(std::make_shared<Configuration>(source)) {}
 
 NativeCollisionConfigurationWrapper::NativeCollisionConfigurationWrapper(
     tarn::ICollisionConfiguration* retrieved)
@@ -100,7 +98,7 @@ void NativeCollisionConfigurationWrapper::Swap(
 }
 
 std::shared_ptr<ICollisionConfiguration> NativeCollisionConfigurationWrapper::Clone() const {
-    return std::make_shared<NativeCollisionConfigurationWrapper>(*this);
+    return std::make_shared<NativeCollisionConfigurationWrapper>(Live());
 }
 
 bool NativeCollisionConfigurationWrapper::CoupleIsEnable(const Element& element1,

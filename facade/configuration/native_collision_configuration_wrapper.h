@@ -16,8 +16,8 @@ public:
     using Configuration = NativeConfiguration<CollisionKind>;
 
     NativeCollisionConfigurationWrapper();
-    /// A copy that takes uses of its own. Throws `ObjectDisposedException` for a disposed source.
-    NativeCollisionConfigurationWrapper(const NativeCollisionConfigurationWrapper& source);
+    /// The same elements and pairs, with uses of its own.
+    explicit NativeCollisionConfigurationWrapper(const Configuration& source);
     /// Adopts a configuration that came back from a scene: elements, owners and pairs are rebuilt here, and
     /// nothing of the given one is kept. Throws `ArgumentNullException` for null.
     explicit NativeCollisionConfigurationWrapper(tarn::ICollisionConfiguration* retrieved);

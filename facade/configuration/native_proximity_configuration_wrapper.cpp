@@ -33,10 +33,8 @@ NativeProximityConfigurationWrapper::Configuration& LiveOf(
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper()
     : configuration_(std::make_shared<Configuration>()) {}
 
-NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
-    const NativeProximityConfigurationWrapper& source)
-    : Object(),
-      configuration_(std::make_shared<Configuration>(source.Live())) {}
+NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(const Configuration& source)
+    : configuration_(std::make_shared<Configuration>(source)) {}
 
 NativeProximityConfigurationWrapper::NativeProximityConfigurationWrapper(
     tarn::IProximityConfiguration* retrieved)
@@ -104,7 +102,7 @@ void NativeProximityConfigurationWrapper::Swap(
 }
 
 std::shared_ptr<IProximityConfiguration> NativeProximityConfigurationWrapper::Clone() const {
-    return std::make_shared<NativeProximityConfigurationWrapper>(*this);
+    return std::make_shared<NativeProximityConfigurationWrapper>(Live());
 }
 
 std::shared_ptr<ProximitySetting> NativeProximityConfigurationWrapper::CoupleIsEnable(

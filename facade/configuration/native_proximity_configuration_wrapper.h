@@ -13,8 +13,8 @@ public:
     using Configuration = NativeConfiguration<ProximityKind>;
 
     NativeProximityConfigurationWrapper();
-    /// A copy that takes uses of its own. Throws `ObjectDisposedException` for a disposed source.
-    NativeProximityConfigurationWrapper(const NativeProximityConfigurationWrapper& source);
+    /// The same elements and pairs, with uses of its own.
+    explicit NativeProximityConfigurationWrapper(const Configuration& source);
     /// Adopts a configuration that came back from a scene: elements, owners and pairs are rebuilt here, and
     /// nothing of the given one is kept. Throws `ArgumentNullException` for null.
     explicit NativeProximityConfigurationWrapper(tarn::IProximityConfiguration* retrieved);
