@@ -20,7 +20,8 @@ using EndToEnd = RegistryTest<>;
 TEST_F(EndToEnd, FromElementsToTheCollisionCentre) {
     const auto machine = std::make_shared<Owner>();
     const auto fixture = std::make_shared<Owner>();
-    const auto table = std::make_shared<Part>("table", tarn::test::BoxMesh(0, 0, -30, 100, 100, -10), machine);
+    const auto table =
+        std::make_shared<Part>("table", tarn::test::BoxMesh(0, 0, -30, 100, 100, -10), machine);
     const auto spindle = std::make_shared<Part>("spindle", tarn::test::BallMesh(20, 12), machine);
     const auto clamp = std::make_shared<Part>("clamp", tarn::test::BoxMesh(0, -10, 5, 30, 10, 20), fixture);
     spindle->MoveToX(90);
