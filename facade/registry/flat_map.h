@@ -12,7 +12,8 @@ namespace Ostrel::Quarrix::Collisions {
 /// kilobytes between its nodes, a map of nodes would miss the caches at every step.
 ///
 /// The part of `std::unordered_map`'s interface that is used here, with its meanings. A change may move all
-/// slots. Hashes are kept, so `Equal` is asked for equal hashes only; it may throw, and it must not change the map.
+/// slots. Hashes are kept, so `Equal` is asked for equal hashes only; it may throw, and it must not change
+/// the map.
 template <typename Key, typename Value, typename Hash, typename Equal = std::equal_to<Key>>
 class FlatMap {
 public:

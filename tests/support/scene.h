@@ -14,8 +14,8 @@
 
 namespace tarn::test {
 
-/// Bodies with their elements and a configuration of each kind, all owned here. Identifiers count from 1, so tests that
-/// remove bodies must mind which identifiers contain which bits.
+/// Bodies with their elements and a configuration of each kind, all owned here. Identifiers count from 1, so
+/// tests that remove bodies must mind which identifiers contain which bits.
 class Scene {
 public:
     explicit Scene(std::int16_t leaf_number = 5);

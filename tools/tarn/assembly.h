@@ -26,8 +26,8 @@ public:
     /// kept.
     std::uint64_t AddPart(const Part& part);
 
-    /// The same, the part's placement baked into its triangles, which become an element of its own. Returns how
-    /// many triangles the engine kept both before and after.
+    /// The same, the part's placement baked into its triangles, which become an element of its own. Returns
+    /// how many triangles the engine kept both before and after.
     std::uint64_t AddBakedPart(const Part& part);
 
     /// In the order in which parts were added.

@@ -14,7 +14,8 @@
 
 namespace tarn::program {
 
-/// A configuration read from a scene file. The last one to let go of it releases its bodies and elements, too.
+/// A configuration read from a scene file. The last one to let go of it releases its bodies and elements,
+/// too.
 using Scene = std::variant<std::shared_ptr<tarn::ICollisionConfiguration>,
                            std::shared_ptr<tarn::IProximityConfiguration>>;
 

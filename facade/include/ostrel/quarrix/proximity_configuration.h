@@ -62,7 +62,8 @@ public:
     virtual std::vector<std::shared_ptr<ProximityCouple>> RetrieveCouples() const = 0;
     /// How many pairs are measured.
     virtual std::int32_t RetrieveCouplesCount() const = 0;
-    /// Sets one pair of elements that are both there. A negative clearance cannot be set: `ProximitySetting` has none.
+    /// Sets one pair of elements that are both there. A negative clearance cannot be set: `ProximitySetting`
+    /// has none.
     virtual void ConfigCouple(const Element& element1, const Element& element2, const Setting& setting) = 0;
     /// Sets the pairs of the owner's elements with those of every other owner.
     virtual void ConfigOwnerAgainstAll(const Owner& owner, const Setting& setting) = 0;
