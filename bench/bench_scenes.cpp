@@ -43,8 +43,8 @@ public:
 
     void Report(benchmark::State& state, std::size_t bytes_before) const {
         const auto triangles = static_cast<double>(scene_.Bodies()[0]->GetStatistics().triangle_count);
-        state.SetBytesProcessed(
-            static_cast<std::int64_t>(state.iterations() * std::filesystem::file_size(path_)));
+        state.SetBytesProcessed(static_cast<std::int64_t>(std::filesystem::file_size(path_)) *
+                                state.iterations());
         state.counters["peak_bytes_per_triangle"] =
             static_cast<double>(PeakBytes() - bytes_before) / triangles;
         state.counters["file_bytes_per_triangle"] =
