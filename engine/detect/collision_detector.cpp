@@ -6,9 +6,9 @@
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
 #include "detect/hierarchy_traversal.h"
+#include "detect/policy_check.h"
 
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace tarn::details {
@@ -39,19 +39,7 @@ bool CollisionDetector::Check(ICollisionConfiguration& configuration) {
 CollisionResult& CollisionDetector::Check(CollisionResult& result,
                                           ICollisionConfiguration& configuration,
                                           CheckPolicy policy) {
-    configuration.UpdateBodies();
-    const Procedure procedure = ProcedureOf(policy);
-    const CoupleTable& couples = PrepareCouples<IPairsProvider>(configuration);
-    const auto hits = CheckCouples(couples, procedure.stops_at_first_hit);
-
-    CollisionResult checked;
-    checked.Pairs.reserve(hits.size());
-    for (const CoupleHit<TriangleHit>& hit : hits) {
-        checked.Pairs.push_back(
-            PairResultOf(couples[hit.position], hit.finding, procedure.records_triangles));
-    }
-    result = std::move(checked);
-    return result;
+    return CheckByPolicy<IPairsProvider>(result, configuration, policy, CheckCouples, PairResultOf);
 }
 
 void CollisionDetector::Dump(ICollisionConfiguration& configuration, DumpType type, std::ostream& stream) {

@@ -5,10 +5,10 @@
 #include "detect/check_preparation.h"
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
+#include "detect/policy_check.h"
 #include "detect/proximity_search.h"
 
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace tarn::details {
@@ -56,19 +56,7 @@ bool ProximityDetector::Check(IProximityConfiguration& configuration) {
 ProximityResult& ProximityDetector::Check(ProximityResult& result,
                                           IProximityConfiguration& configuration,
                                           CheckPolicy policy) {
-    configuration.UpdateBodies();
-    const Procedure procedure = ProcedureOf(policy);
-    const ProximityCoupleTable& couples = PrepareCouples<IProximityPairsProvider>(configuration);
-    const auto hits = CheckCouples(couples, procedure.stops_at_first_hit);
-
-    ProximityResult checked;
-    checked.Pairs.reserve(hits.size());
-    for (const CoupleHit<ProximityFinding>& hit : hits) {
-        checked.Pairs.push_back(
-            PairResultOf(couples[hit.position], hit.finding, procedure.records_triangles));
-    }
-    result = std::move(checked);
-    return result;
+    return CheckByPolicy<IProximityPairsProvider>(result, configuration, policy, CheckCouples, PairResultOf);
 }
 
 void ProximityDetector::Dump(IProximityConfiguration& configuration, DumpType type, std::ostream& stream) {
