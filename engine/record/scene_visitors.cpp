@@ -105,13 +105,11 @@ std::optional<BodyPair> ReadPair(const XMLElement& pair, const BodiesById& bodie
 
 bool Recorder::XMLOwnersVisitor::VisitEnter(const XMLElement& element, const XMLAttribute* /*attributes*/) {
     if (!IsNamed(element, scene::kOwner)) return true;
-    const auto id = ReadInteger<std::int64_t>(element, scene::kId);
-    if (!id) {
+    if (!ReadInteger<std::int64_t>(element, scene::kId)) {
         throw InconsistentDataException(
             "No 'id' attribute found for owner '" + std::string(element.Name()) + "'",
             AttributeFault(element, scene::kId));
     }
-    owners_.push_back(static_cast<std::uint64_t>(*id));
     return true;
 }
 

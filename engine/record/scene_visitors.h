@@ -26,16 +26,10 @@ namespace tarn::details {
 /// Bodies by identifier; the first of those that share one.
 using BodiesById = std::unordered_map<std::uint32_t, CollisionBody*>;
 
-/// Reads the owners' identifiers. The owner of a body comes from its `element`, so that reading them is
-/// only a check.
+/// Checks the owners' identifiers. The owner of a body comes from its `element`, so nothing of them is kept.
 class Recorder::XMLOwnersVisitor final : public tinyxml2::XMLVisitor {
 public:
     bool VisitEnter(const tinyxml2::XMLElement& element, const tinyxml2::XMLAttribute* attributes) override;
-
-    const std::vector<std::uint64_t>& Owners() const { return owners_; }
-
-private:
-    std::vector<std::uint64_t> owners_;
 };
 
 /// Rebuilds the bodies with their meshes.
