@@ -1,5 +1,6 @@
 #include "configuration/native_configuration.h"
 
+#include "host/required.h"
 #include "ostrel/quarrix/exceptions.h"
 #include "registry/native_identifiers.h"
 
@@ -11,10 +12,6 @@
 namespace Ostrel::Quarrix::Collisions {
 
 namespace {
-
-void RequireNotNull(const std::shared_ptr<ICollisionConfigurationElement>& element, Text param_name) {
-    if (!element) throw ArgumentNullException(param_name);
-}
 
 /// The registry's lock, where the kind of configuration asks for it.
 template <typename Kind>

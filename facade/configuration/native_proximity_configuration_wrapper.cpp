@@ -2,6 +2,7 @@
 
 #include "configuration/adoption.h"
 #include "configuration/element_list.h"
+#include "host/required.h"
 #include "ostrel/quarrix/exceptions.h"
 
 #include <utility>
@@ -15,12 +16,8 @@ constexpr tarn::ProximitySetting kAdoptedSetting{false, 0.001};
 constexpr tarn::ProximitySetting kDisabled{false, 0.0};
 
 tarn::ProximitySetting Required(const std::shared_ptr<ProximitySetting>& setting) {
-    if (!setting) throw ArgumentNullException("setting");
+    RequireNotNull(setting, "setting");
     return setting->ToNative();
-}
-
-void RequireNotNull(const std::shared_ptr<ICollisionConfigurationElement>& element, Text param_name) {
-    if (!element) throw ArgumentNullException(param_name);
 }
 
 NativeProximityConfigurationWrapper::Configuration& LiveOf(

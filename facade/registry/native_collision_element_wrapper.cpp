@@ -10,8 +10,8 @@
 namespace Ostrel::Quarrix::Collisions {
 
 NativeCollisionElementWrapper::NativeCollisionElementWrapper(const ICollisionElement& element) {
-    // Elements come by the thousand, so each thread keeps the room for the next. `Load` may lead here again: then it
-    // is taken.
+    // Elements come by the thousand, so each thread keeps the room for the next. `Load` may lead here again:
+    // then it is taken.
     constexpr std::size_t kUsualTriangles = 32;
     constexpr std::size_t kKeptTriangles = 4096;
     static thread_local std::vector<tarn::TriangleData> kept;

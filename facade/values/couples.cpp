@@ -1,5 +1,5 @@
+#include "host/required.h"
 #include "ostrel/quarrix/collision_couple.h"
-#include "ostrel/quarrix/exceptions.h"
 #include "ostrel/quarrix/interference_couple.h"
 #include "ostrel/quarrix/near_elements_couple.h"
 #include "ostrel/quarrix/proximity_couple.h"
@@ -7,15 +7,6 @@
 #include <utility>
 
 namespace Ostrel::Quarrix::Collisions {
-
-namespace {
-
-template <typename T>
-void RequireNotNull(const std::shared_ptr<T>& object, Text param_name) {
-    if (!object) throw ArgumentNullException(param_name);
-}
-
-}  // namespace
 
 CollisionCouple::CollisionCouple(std::shared_ptr<ICollisionConfigurationElement> first,
                                  std::shared_ptr<ICollisionConfigurationElement> second,
