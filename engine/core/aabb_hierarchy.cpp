@@ -53,6 +53,7 @@ AABBHierarchy::AABBHierarchy(const std::vector<const Triangle*>& triangles,
     node_count_ = built.node_count;
     nodes_ = std::make_unique<AABBHierarchyNode[]>(node_count_);
     CopyNodes(built);
+    wide_.emplace(Nodes());
     local_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
     world_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
     ParallelFor(triangles.size(), kCopyChunk, [&](std::size_t begin, std::size_t end) {

@@ -3,12 +3,14 @@
 #include "core/aabb_hierarchy_visitor.h"
 #include "core/box.h"
 #include "core/triangle.h"
+#include "core/wide_hierarchy.h"
 
 #include "tarn/matrix.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -104,6 +106,9 @@ public:
     /// All nodes in pre-order.
     std::span<const AABBHierarchyNode> Nodes() const { return {nodes_.get(), node_count_}; }
     std::uint16_t LeafNumber() const { return leaf_number_; }
+    const MATRIX& Placement() const { return *placement_; }
+    /// The same boxes for fast filters. Only for trees that are not empty.
+    const WideHierarchy& Wide() const { return *wide_; }
 
     const Box& WorldBox(const AABBHierarchyNode& node) const {
         if (node.box_generation_.load(std::memory_order_acquire) != generation_) RefreshWorldBox(node);
@@ -134,6 +139,7 @@ private:
     std::size_t node_count_ = 0;
     std::unique_ptr<Triangle[]> local_triangles_;
     std::unique_ptr<Triangle[]> world_triangles_;
+    std::optional<WideHierarchy> wide_;
     const MATRIX* placement_;
     std::uint32_t generation_;
     std::uint16_t leaf_number_;

@@ -5,6 +5,7 @@
 #include "detect/check_preparation.h"
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
+#include "detect/crossing_search.h"
 #include "detect/hierarchy_traversal.h"
 #include "detect/policy_check.h"
 
@@ -15,11 +16,25 @@ namespace tarn::details {
 
 namespace {
 
+/// The triangles of a couple by which it intersects. What is found stays unnamed where nobody asks for it.
+std::optional<TriangleHit> FindHit(const AABBHierarchy& first,
+                                   const AABBHierarchy& second,
+                                   bool records_triangles,
+                                   Filters filters) {
+    if (filters == Filters::On && !records_triangles)
+        return HaveCrossing(first, second) ? std::optional(TriangleHit()) : std::nullopt;
+    const TriangleHit hit =
+        filters == Filters::On ? FindFirstHitFast(first, second) : FindFirstHit(first, second);
+    return hit ? std::optional(hit) : std::nullopt;
+}
+
 /// Checks all couples, or until the first hit.
-std::vector<CoupleHit<TriangleHit>> CheckCouples(const CoupleTable& couples, bool stops_at_first_hit) {
-    return FindInCouples<TriangleHit>(couples, stops_at_first_hit, [](const KeyBodyPair& couple) {
-        const TriangleHit hit = FindFirstHit(*couple.First()->Hierarchy(), *couple.Second()->Hierarchy());
-        return hit ? std::optional(hit) : std::nullopt;
+std::vector<CoupleHit<TriangleHit>> CheckCouples(const CoupleTable& couples,
+                                                 const Procedure& procedure,
+                                                 Filters filters) {
+    return FindInCouples<TriangleHit>(couples, procedure.stops_at_first_hit, [&](const KeyBodyPair& couple) {
+        return FindHit(*couple.First()->Hierarchy(), *couple.Second()->Hierarchy(),
+                       procedure.records_triangles, filters);
     });
 }
 
@@ -33,13 +48,17 @@ CollisionPairResult PairResultOf(const KeyBodyPair& couple, const TriangleHit& h
 
 bool CollisionDetector::Check(ICollisionConfiguration& configuration) {
     configuration.UpdateBodies();
-    return !CheckCouples(PrepareCouples<IPairsProvider>(configuration), true).empty();
+    const auto& couples = PrepareCouples<IPairsProvider>(configuration);
+    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop), filters_).empty();
 }
 
 CollisionResult& CollisionDetector::Check(CollisionResult& result,
                                           ICollisionConfiguration& configuration,
                                           CheckPolicy policy) {
-    return CheckByPolicy<IPairsProvider>(result, configuration, policy, CheckCouples, PairResultOf);
+    const auto check_couples = [this](const CoupleTable& couples, const Procedure& procedure) {
+        return CheckCouples(couples, procedure, filters_);
+    };
+    return CheckByPolicy<IPairsProvider>(result, configuration, policy, check_couples, PairResultOf);
 }
 
 void CollisionDetector::Dump(ICollisionConfiguration& configuration, DumpType type, std::ostream& stream) {

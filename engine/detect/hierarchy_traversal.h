@@ -5,10 +5,23 @@
 namespace tarn::details {
 
 class AABBHierarchy;
+class RelativeFrame;
 
 /// Descends two hierarchies together, at their current placements, and returns the first intersecting
-/// triangle pair in traversal order (see `VisitLeafPairs`), or none. Node pairs whose world boxes do not
-/// overlap are left out; two leaves are tested triangle by triangle (see `LeafTest`). Safe from any thread.
+/// triangle pair in traversal order (see `VisitLeafPairs`), or none. This is the rule by which triangles of
+/// bodies intersect; everything else that looks for hits finds the same, faster.
+///  (1) Node pairs whose world boxes do not overlap are left out.
+///  (2) So are leaves that are shown apart as they are turned (see `RelativeFrame`). The triangle test does
+///      not normalise its signed values: by rounding noise alone it sees large coplanar faces cross that are
+///      far apart.
+///  (3) Other leaves are tested triangle by triangle (see `LeafTest`).
+/// Safe from any thread.
 TriangleHit FindFirstHit(const AABBHierarchy& first, const AABBHierarchy& second);
+
+/// The same, where the caller has the frame of the two, and with a filter: subtrees that are shown apart are
+/// left out as a whole.
+TriangleHit FindFirstHitFiltered(const AABBHierarchy& first,
+                                 const AABBHierarchy& second,
+                                 const RelativeFrame& frame);
 
 }  // namespace tarn::details

@@ -54,7 +54,7 @@ inline bool SplitsFirst(const NodePair& pair) {
 
 /// Descends two hierarchies together, neither of them empty, and visits their pairs of leaves in traversal
 /// order, until a visit returns true. Returns whether one did. The order is fixed by these rules:
-///  (1) Node pairs that `admits(first_world_box, second_world_box)` refuses are left out.
+///  (1) Node pairs that `admits(pair)` refuses are left out.
 ///  (2) Of a leaf and an inner node the inner one is split; of two inner nodes the one with the larger extent
 ///      sum of its local box, the first body's if they are equal.
 ///  (3) The split node's first child comes first, with all that follows from it, then its second child.
@@ -65,7 +65,7 @@ bool VisitLeafPairs(const AABBHierarchy& first, const AABBHierarchy& second, Adm
     NodePair pair{&first.Root(), &second.Root()};
     PairStack pending;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled as it grows
     do {
-        while (admits(first.WorldBox(*pair.first), second.WorldBox(*pair.second))) {
+        while (admits(pair)) {
             if (pair.first->IsLeaf() && pair.second->IsLeaf()) {
                 if (visit(pair)) return true;
                 break;

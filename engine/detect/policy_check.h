@@ -9,7 +9,7 @@
 namespace tarn::details {
 
 /// A check of either kind under a policy, in the order of steps that the detectors promise: placements,
-/// policy, couples, result. `check_couples(couples, stops_at_first_hit)` returns the hits in couple order,
+/// policy, couples, result. `check_couples(couples, procedure)` returns the hits in couple order,
 /// `pair_result_of(couple, finding, records_triangles)` makes a record of one. `result` is replaced as a
 /// whole; after an exception it is as it was.
 template <typename Provider,
@@ -25,7 +25,7 @@ Result& CheckByPolicy(Result& result,
     configuration.UpdateBodies();
     const Procedure procedure = ProcedureOf(policy);
     const auto& couples = PrepareCouples<Provider>(configuration);
-    const auto hits = check_couples(couples, procedure.stops_at_first_hit);
+    const auto hits = check_couples(couples, procedure);
 
     Result checked;
     checked.Pairs.reserve(hits.size());

@@ -22,9 +22,9 @@ bool IsReported(const ProximityOutcome& outcome) {
 
 /// Measures all couples, or until the first one to be reported.
 std::vector<CoupleHit<ProximityFinding>> CheckCouples(const ProximityCoupleTable& couples,
-                                                      bool stops_at_first_hit) {
+                                                      const Procedure& procedure) {
     return FindInCouples<ProximityFinding>(
-        couples, stops_at_first_hit, [](const ProximityKeyBodyPair& couple) {
+        couples, procedure.stops_at_first_hit, [](const ProximityKeyBodyPair& couple) {
             const ProximityFinding finding = SearchProximity(
                 *couple.First()->Hierarchy(), *couple.Second()->Hierarchy(), couple.Clearance());
             return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
@@ -50,7 +50,8 @@ ProximityPairResult PairResultOf(const ProximityKeyBodyPair& couple,
 
 bool ProximityDetector::Check(IProximityConfiguration& configuration) {
     configuration.UpdateBodies();
-    return !CheckCouples(PrepareCouples<IProximityPairsProvider>(configuration), true).empty();
+    const auto& couples = PrepareCouples<IProximityPairsProvider>(configuration);
+    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop)).empty();
 }
 
 ProximityResult& ProximityDetector::Check(ProximityResult& result,

@@ -6,6 +6,7 @@
 #include "detect/candidate_evaluation.h"
 #include "detect/hierarchy_traversal.h"
 #include "detect/pair_descent.h"
+#include "detect/relative_frame.h"
 
 #include <cmath>
 #include <limits>
@@ -49,6 +50,7 @@ public:
     ProximitySearch(const AABBHierarchy& first, const AABBHierarchy& second, double clearance)
         : first_(first),
           second_(second),
+          frame_(first, second),
           clearance_squared_(ClampedSquare(clearance)) {
         finding_.outcome.bound = clearance_squared_;
     }
@@ -83,15 +85,16 @@ private:
         double distance = 0.0;
         return VisitLeafPairs(
             first_, second_,
-            [&](const Box& a, const Box& b) {
-                distance = BoxDistanceSquared(a, b);
+            [&](const NodePair& pair) {
+                distance = BoxDistanceSquared(first_.WorldBox(*pair.first), second_.WorldBox(*pair.second));
                 return IsWithin(distance, bound);
             },
             [&](const NodePair& leaves) {
                 const Box& a = first_.WorldBox(*leaves.first);
                 const Box& b = second_.WorldBox(*leaves.second);
-                if (!Overlap(a, b) && leaf_test.FindFirstHit(first_.WorldTriangles(*leaves.first),
-                                                             second_.WorldTriangles(*leaves.second)))
+                if (!Overlap(a, b) && !frame_.LeavesAreApart(*leaves.first, *leaves.second) &&
+                    leaf_test.FindFirstHit(first_.WorldTriangles(*leaves.first),
+                                           second_.WorldTriangles(*leaves.second)))
                     return true;
                 if (bound > 0.0) candidates.Add(leaves, distance);
                 return false;
@@ -125,6 +128,7 @@ private:
 
     const AABBHierarchy& first_;
     const AABBHierarchy& second_;
+    RelativeFrame frame_;
     double clearance_squared_;
     ProximityFinding finding_;
 };
