@@ -188,8 +188,8 @@ struct SharedScene {
         configuration->AddElements(elements, CheckCoupleConfiguration::None, 0.0);
         configuration->EnableAllIntersectChecks(false, 0.0);
     }
-    const NativeConfiguration<CollisionKind>& Wrapped() const { return configuration->Live(); }
-    tarn::ICollisionConfiguration& Native() const { return configuration->Live().Live(); }
+    const NativeConfiguration<CollisionKind>& Wrapped() const { return *configuration->Live(); }
+    tarn::ICollisionConfiguration& Native() const { return configuration->Live()->Native(); }
 
     Lattice lattice;
     Elements elements;

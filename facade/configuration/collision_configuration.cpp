@@ -33,105 +33,105 @@ void CollisionConfiguration::Dispose() {
     native_->Dispose();
 }
 
-NativeCollisionConfigurationWrapper& CollisionConfiguration::Native() const {
+std::shared_ptr<NativeCollisionConfigurationWrapper> CollisionConfiguration::Native() const {
     if (disposed_) throw ObjectDisposedException("");
-    return *native_;
+    return native_;
 }
 
 void CollisionConfiguration::AddElement(const Element& element,
                                         CheckCoupleConfiguration checkConfiguration,
                                         double tolerance) {
-    Native().AddElement(element, checkConfiguration, tolerance);
+    Native()->AddElement(element, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::AddElements(Sequence<Element> elements,
                                          CheckCoupleConfiguration checkConfiguration,
                                          double tolerance) {
-    Native().AddElements(elements, checkConfiguration, tolerance);
+    Native()->AddElements(elements, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::RemoveElement(const Element& element) {
-    Native().RemoveElement(element);
+    Native()->RemoveElement(element);
 }
 
 void CollisionConfiguration::RemoveAllElements() {
-    Native().RemoveAllElements();
+    Native()->RemoveAllElements();
 }
 
 void CollisionConfiguration::MergeConfiguration(const std::shared_ptr<ICollisionConfiguration>& configuration,
                                                 CheckCoupleConfiguration checkConfiguration,
                                                 double tolerance) {
-    NativeCollisionConfigurationWrapper& native = Native();
-    native.MergeConfiguration(RequireOwnClass(configuration).native_, checkConfiguration, tolerance);
+    const auto native = Native();
+    native->MergeConfiguration(RequireOwnClass(configuration).native_, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::AppendDistinctConfiguration(
     const std::shared_ptr<ICollisionConfiguration>& configuration) {
-    NativeCollisionConfigurationWrapper& native = Native();
-    native.AppendDistinctConfiguration(RequireOwnClass(configuration).native_);
+    const auto native = Native();
+    native->AppendDistinctConfiguration(RequireOwnClass(configuration).native_);
 }
 
 void CollisionConfiguration::Swap(const std::shared_ptr<ICollisionConfiguration>& configuration) {
-    NativeCollisionConfigurationWrapper& native = Native();
-    native.Swap(RequireOwnClass(configuration).native_);
+    const auto native = Native();
+    native->Swap(RequireOwnClass(configuration).native_);
 }
 
 std::shared_ptr<ICollisionConfiguration> CollisionConfiguration::Clone() const {
-    auto copy = std::make_shared<NativeCollisionConfigurationWrapper>(Native().Live());
+    auto copy = std::make_shared<NativeCollisionConfigurationWrapper>(*Native()->Live());
     return std::shared_ptr<CollisionConfiguration>(new CollisionConfiguration(std::move(copy)));
 }
 
 bool CollisionConfiguration::CoupleIsEnable(const Element& element1, const Element& element2) const {
-    return Native().CoupleIsEnable(element1, element2);
+    return Native()->CoupleIsEnable(element1, element2);
 }
 
 auto CollisionConfiguration::RetrieveElements() const -> std::vector<Element> {
-    return Native().RetrieveElements();
+    return Native()->RetrieveElements();
 }
 
 std::vector<std::shared_ptr<CollisionCouple>> CollisionConfiguration::RetrieveCouples() const {
-    return Native().RetrieveCouples();
+    return Native()->RetrieveCouples();
 }
 
 std::int32_t CollisionConfiguration::RetrieveCouplesCount() const {
-    return Native().RetrieveCouplesCount();
+    return Native()->RetrieveCouplesCount();
 }
 
 void CollisionConfiguration::ConfigCouple(const Element& element1,
                                           const Element& element2,
                                           CheckCoupleConfiguration checkConfiguration,
                                           double tolerance) {
-    Native().ConfigCouple(element1, element2, checkConfiguration, tolerance);
+    Native()->ConfigCouple(element1, element2, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::ConfigOwnerAgainstAll(const Owner& owner,
                                                    CheckCoupleConfiguration checkConfiguration,
                                                    double tolerance) {
-    Native().ConfigOwnerAgainstAll(owner, checkConfiguration, tolerance);
+    Native()->ConfigOwnerAgainstAll(owner, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::ConfigInterOwners(Sequence<Owner> ownersList,
                                                CheckCoupleConfiguration checkConfiguration,
                                                double tolerance) {
-    Native().ConfigInterOwners(ownersList, checkConfiguration, tolerance);
+    Native()->ConfigInterOwners(ownersList, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::ConfigIntraOwner(const Owner& owner,
                                               CheckCoupleConfiguration checkConfiguration,
                                               double tolerance) {
-    Native().ConfigIntraOwner(owner, checkConfiguration, tolerance);
+    Native()->ConfigIntraOwner(owner, checkConfiguration, tolerance);
 }
 
 void CollisionConfiguration::DisableAllChecks(const Owner& owner) {
-    Native().DisableAllChecks(owner);
+    Native()->DisableAllChecks(owner);
 }
 
 void CollisionConfiguration::DisableAllChecks() {
-    Native().DisableAllChecks();
+    Native()->DisableAllChecks();
 }
 
 void CollisionConfiguration::EnableAllIntersectChecks(bool allowTouch, double tolerance) {
-    Native().EnableAllIntersectChecks(allowTouch, tolerance);
+    Native()->EnableAllIntersectChecks(allowTouch, tolerance);
 }
 
 void CollisionConfiguration::EnableAllAlmostCollisionChecks(double /*clearance*/) {
@@ -142,19 +142,19 @@ void CollisionConfiguration::EnableAllAlmostCollisionChecks(double /*clearance*/
 void CollisionConfiguration::EnableOwnerAgainstAllOnly(const Owner& owner,
                                                        CheckCoupleConfiguration configuration,
                                                        double tolerance) {
-    Native().EnableOwnerAgainstAllOnly(owner, configuration, tolerance);
+    Native()->EnableOwnerAgainstAllOnly(owner, configuration, tolerance);
 }
 
 void CollisionConfiguration::EnableInterOwnersOnly(Sequence<Owner> ownersList,
                                                    CheckCoupleConfiguration configuration,
                                                    double tolerance) {
-    Native().EnableInterOwnersOnly(ownersList, configuration, tolerance);
+    Native()->EnableInterOwnersOnly(ownersList, configuration, tolerance);
 }
 
 void CollisionConfiguration::EnableIntraOwnerOnly(const Owner& owner,
                                                   CheckCoupleConfiguration configuration,
                                                   double tolerance) {
-    Native().EnableIntraOwnerOnly(owner, configuration, tolerance);
+    Native()->EnableIntraOwnerOnly(owner, configuration, tolerance);
 }
 
 }  // namespace Ostrel::Quarrix::Collisions

@@ -42,14 +42,4 @@ std::vector<std::shared_ptr<CollisionCouple>> BodyPair2CollisionCouple(
     return couples;
 }
 
-/// A configuration as the internal class. Throws `ArgumentNullException` ("configuration") for null and
-/// `InvalidCastException` for another class.
-template <typename Wrapper, typename Interface>
-const Wrapper& RequireWrapper(const std::shared_ptr<Interface>& configuration) {
-    if (!configuration) throw ArgumentNullException("configuration");
-    const auto* wrapper = dynamic_cast<const Wrapper*>(configuration.get());
-    if (!wrapper) throw InvalidCastException("Can't cast 'configuration' parameter to internal class.");
-    return *wrapper;
-}
-
 }  // namespace Ostrel::Quarrix::Collisions

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "configuration/native_configuration.h"
+#include "configuration/native_configuration_wrapper.h"
 #include "ostrel/quarrix/collision_configuration.h"
 
 #include "tarn/collision_result.h"
@@ -9,12 +9,9 @@
 
 namespace Ostrel::Quarrix::Collisions {
 
-/// The collision configuration over the engine's. What callers may expect stands with the interface; here
-/// null configurations throw `ArgumentNullException`, and all others but this class `InvalidCastException`.
-class NativeCollisionConfigurationWrapper final : public ICollisionConfiguration {
+/// The collision configuration over the engine's. What callers may expect stands with the interface.
+class NativeCollisionConfigurationWrapper final : public NativeConfigurationWrapper<CollisionKind> {
 public:
-    using Configuration = NativeConfiguration<CollisionKind>;
-
     NativeCollisionConfigurationWrapper();
     /// The same elements and pairs, with uses of its own.
     explicit NativeCollisionConfigurationWrapper(const Configuration& source);
@@ -24,26 +21,17 @@ public:
     /// Around an engine's configuration without bodies, for tests.
     explicit NativeCollisionConfigurationWrapper(std::unique_ptr<tarn::ICollisionConfiguration> native);
 
-    void Dispose() override { configuration_.reset(); }
-
     void AddElement(const Element& element,
                     CheckCoupleConfiguration checkConfiguration,
                     double tolerance) override;
     void AddElements(Sequence<Element> elements,
                      CheckCoupleConfiguration checkConfiguration,
                      double tolerance) override;
-    void RemoveElement(const Element& element) override;
-    void RemoveAllElements() override;
     void MergeConfiguration(const std::shared_ptr<ICollisionConfiguration>& configuration,
                             CheckCoupleConfiguration checkConfiguration,
                             double tolerance) override;
-    void AppendDistinctConfiguration(const std::shared_ptr<ICollisionConfiguration>& configuration) override;
-    void Swap(const std::shared_ptr<ICollisionConfiguration>& configuration) override;
-    std::shared_ptr<ICollisionConfiguration> Clone() const override;
     bool CoupleIsEnable(const Element& element1, const Element& element2) const override;
-    std::vector<Element> RetrieveElements() const override;
     std::vector<std::shared_ptr<CollisionCouple>> RetrieveCouples() const override;
-    std::int32_t RetrieveCouplesCount() const override;
     void ConfigCouple(const Element& element1,
                       const Element& element2,
                       CheckCoupleConfiguration checkConfiguration,
@@ -57,8 +45,6 @@ public:
     void ConfigIntraOwner(const Owner& owner,
                           CheckCoupleConfiguration checkConfiguration,
                           double tolerance) override;
-    void DisableAllChecks(const Owner& owner) override;
-    void DisableAllChecks() override;
     void EnableAllIntersectChecks(bool allowTouch, double tolerance) override;
     /// Throws the plain `Exception`.
     void EnableAllAlmostCollisionChecks(double clearance) override;
@@ -71,13 +57,6 @@ public:
     void EnableIntraOwnerOnly(const Owner& owner,
                               CheckCoupleConfiguration configuration,
                               double tolerance) override;
-
-    /// Throws `ObjectDisposedException` after disposal.
-    Configuration& Live() const;
-
-private:
-    /// Null after disposal. Operations that run elements' code share it: that code may dispose this.
-    std::shared_ptr<Configuration> configuration_;
 };
 
 }  // namespace Ostrel::Quarrix::Collisions

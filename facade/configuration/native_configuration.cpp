@@ -41,15 +41,19 @@ NativeConfiguration<Kind>::NativeConfiguration(std::unique_ptr<Interface> native
       seen_epoch_(ElementsManager::get_Instance().GetEpoch()) {}
 
 template <typename Kind>
+NativeConfiguration<Kind>::Operation::~Operation() {
+    configuration_.reset();
+    for (Element& element : dropped_) ElementsManager::get_Instance().KeepUntilUnlocked(std::move(element));
+}
+
+template <typename Kind>
 NativeConfiguration<Kind>::NativeConfiguration(const NativeConfiguration& other)
     : NativeConfiguration(std::unique_ptr<Interface>(other.native_->Clone())) {
     seen_epoch_ = other.seen_epoch_;
     const ElementsManager::Lock lock(ElementsManager::get_Instance());
-    for (Entry entry : other.entries_) {
-        // A use that went with its body is not doubled.
-        entry.has_use = !entry.wrapper->IsDisposed() &&
-                        ElementsManager::get_Instance().IncreaseReferenceCount(entry.element);
-        Insert(std::move(entry));
+    for (const Entry& entry : other.entries_) {
+        Insert({entry.element, entry.wrapper, entry.native, false});
+        entries_.back().has_use = ElementsManager::get_Instance().TakeUse(*entry.wrapper);
     }
 }
 
@@ -61,7 +65,7 @@ NativeConfiguration<Kind>::~NativeConfiguration() {
     native_.reset();
     map_.clear();
     entries.swap(entries_);
-    for (Entry& entry : entries) ReleaseUse(entry);
+    for (Entry& entry : entries) GiveUse(entry);
 }
 
 template <typename Kind>
@@ -78,93 +82,77 @@ void NativeConfiguration<Kind>::Insert(Entry entry) {
 
 /// The body is let go before the registry gives it up: it sees then that nobody else holds it.
 template <typename Kind>
-void NativeConfiguration<Kind>::ReleaseUse(Entry& entry) {
+void NativeConfiguration<Kind>::GiveUse(Entry& entry) {
     entry.native.reset();
     ElementsManager& manager = ElementsManager::get_Instance();
-    // A wrapper that was given up takes its uses along: what is registered for the element now is another's.
-    if (std::exchange(entry.has_use, false) && manager.Get(entry.element) == entry.wrapper)
-        manager.Remove(entry.element);
+    if (entry.wrapper->IsDisposed()) {
+        manager.KeepUntilUnlocked(std::move(entry.element));
+    } else if (entry.has_use) {
+        manager.GiveUse(entry.element, *entry.wrapper);
+    }
 }
 
 template <typename Kind>
-void NativeConfiguration<Kind>::DropGone() {
+auto NativeConfiguration<Kind>::DropGone() -> std::vector<Element> {
+    std::vector<Element> dropped;
     const std::uint64_t epoch = ElementsManager::get_Instance().GetEpoch();
-    if (epoch == seen_epoch_) return;
-    Entries gone;
+    if (epoch == seen_epoch_) return dropped;
     for (auto entry = entries_.begin(); entry != entries_.end();) {
         const auto next = std::next(entry);
         if (entry->wrapper->IsDisposed()) {
+            dropped.push_back(entry->element);
             native_->RemoveElement(BodyOf(*entry));
             map_.erase(TValue{BodyOf(*entry)});
-            gone.splice(gone.end(), entries_, entry);
+            entries_.erase(entry);
         }
         entry = next;
     }
     seen_epoch_ = epoch;
-    for (Entry& entry : gone) ElementsManager::get_Instance().KeepUntilUnlocked(std::move(entry.element));
+    return dropped;
 }
 
 template <typename Kind>
-auto NativeConfiguration<Kind>::Live() -> Interface& {
-    DropGone();
-    return *native_;
-}
-
-template <typename Kind>
-tarn::ICollisionBody* NativeConfiguration<Kind>::FindBody(const Element& element) const {
+std::shared_ptr<NativeBody> NativeConfiguration<Kind>::Find(const Element& element) const {
     const ElementsManager::Wrapper wrapper = ElementsManager::get_Instance().Get(element);
-    if (!wrapper) return nullptr;
-    tarn::ICollisionBody* const body = wrapper->get_Body();
-    return map_.contains(TValue{body}) ? body : nullptr;
+    std::shared_ptr<NativeBody> native = wrapper ? wrapper->Native() : nullptr;
+    if (native && !map_.contains(TValue{native->body.get()})) native.reset();
+    return native;
 }
 
 /// Makes sure that there is an entry for the element, with a use.
 template <typename Kind>
 auto NativeConfiguration<Kind>::Enter(const Element& element, Entry*& entry) -> Taken {
     ElementsManager& manager = ElementsManager::get_Instance();
-    ElementsManager::Wrapper wrapper = manager.Get(element);
-    Taken taken = Taken::Nothing;
-    if (wrapper) {
-        const auto found = map_.find(TValue{wrapper->get_Body()});
-        if (found != map_.end()) {
-            entry = &*found->second;
-            if (!entry->has_use) {
-                entry->has_use = manager.IncreaseReferenceCount(element);
-                taken = Taken::Use;
-            }
-            return taken;
-        }
-        manager.IncreaseReferenceCount(element);
-        taken = Taken::Use;
-    } else {
-        wrapper = manager.Add(element);
-        taken = Taken::Body;
-        // Making the body has run the element's code, which may have added it here meanwhile.
-        const auto found = map_.find(TValue{wrapper->get_Body()});
-        if (found != map_.end()) {
-            manager.Remove(element);
-            entry = &*found->second;
-            return Taken::Nothing;
-        }
+    ElementsManager::Found found = manager.FindOrMake(element);
+    std::shared_ptr<NativeBody> native = found.wrapper->Native();
+    // Another thread may have cleared the registry.
+    if (!native) throw ObjectDisposedException("");
+    const auto* const slot = map_.find(TValue{native->body.get()});
+    if (slot) entry = &*slot->second;
+    if (slot && entry->has_use) return Taken::Nothing;
+    if (!found.is_new && !manager.TakeUse(*found.wrapper)) throw ObjectDisposedException("");
+    if (slot) {
+        entry->has_use = true;
+        return Taken::Use;
     }
     try {
-        Insert({element, wrapper, wrapper->get_Native(), true});
+        Insert({element, found.wrapper, std::move(native), true});
     } catch (...) {
-        manager.Remove(element);
+        manager.GiveUse(element, *found.wrapper);
         throw;
     }
     entry = &entries_.back();
-    return taken;
+    return found.is_new ? Taken::Body : Taken::Use;
 }
 
 template <typename Kind>
 void NativeConfiguration<Kind>::AddElement(const Element& element, const Setting& setting) {
     RequireNotNull(element, "element");
     const MembershipLock<Kind> lock;
-    DropGone();
     Entry* entry = nullptr;
-    const Taken taken = Enter(element, entry);
+    Taken taken = Taken::Nothing;
     try {
+        taken = Enter(element, entry);
         native_->AddElement(BodyOf(*entry), setting);
     } catch (const tarn::Exception& failure) {
         if (taken != Taken::Nothing) {
@@ -182,7 +170,6 @@ void NativeConfiguration<Kind>::AddElement(const Element& element, const Setting
 
 template <typename Kind>
 void NativeConfiguration<Kind>::AddKnown(const Element& element, const Setting& setting) {
-    DropGone();
     Entry* entry = nullptr;
     Enter(element, entry);
     native_->AddElement(BodyOf(*entry), setting);
@@ -193,14 +180,15 @@ void NativeConfiguration<Kind>::RemoveElement(const Element& element) {
     RequireNotNull(element, "element");
     Entries removed;
     const MembershipLock<Kind> lock;
-    DropGone();
-    tarn::ICollisionBody* const body = FindBody(element);
-    if (!body) return;
-    const auto found = map_.find(TValue{body});
-    removed.splice(removed.end(), entries_, found->second);
-    map_.erase(found);
-    native_->RemoveElement(body);
-    ReleaseUse(removed.front());
+    std::shared_ptr<NativeBody> native = Find(element);
+    if (!native) return;
+    native_->RemoveElement(native->body.get());
+    const auto* const slot = map_.find(TValue{native->body.get()});
+    removed.splice(removed.end(), entries_, slot->second);
+    map_.erase(slot);
+    // The registry looks whether others hold the body.
+    native.reset();
+    GiveUse(removed.front());
 }
 
 template <typename Kind>
@@ -210,7 +198,7 @@ void NativeConfiguration<Kind>::RemoveAllElements() {
     native_->RemoveAllElements();
     map_.clear();
     removed.swap(entries_);
-    for (Entry& entry : removed) ReleaseUse(entry);
+    for (Entry& entry : removed) GiveUse(entry);
 }
 
 template <typename Kind>
@@ -219,18 +207,16 @@ void NativeConfiguration<Kind>::ConfigCouple(const Element& element1,
                                              const Setting& setting) {
     RequireNotNull(element1, "element1");
     RequireNotNull(element2, "element2");
-    DropGone();
-    tarn::ICollisionBody* const body1 = FindBody(element1);
-    tarn::ICollisionBody* const body2 = FindBody(element2);
-    if (body1 && body2) native_->ConfigCouple(body1, body2, setting);
+    const std::shared_ptr<NativeBody> native1 = Find(element1);
+    const std::shared_ptr<NativeBody> native2 = Find(element2);
+    if (native1 && native2) native_->ConfigCouple(native1->body.get(), native2->body.get(), setting);
 }
 
 template <typename Kind>
 void NativeConfiguration<Kind>::ConfigOwnerAgainstAll(const Owner& owner, const Setting& setting) {
     const std::uint64_t id = NativeOwnerId(owner.get());
-    Interface& native = Live();
-    for (const std::uint64_t other : native.RetrieveOwners()) {
-        if (other != id) native.ConfigInterOwners(id, other, setting);
+    for (const std::uint64_t other : native_->RetrieveOwners()) {
+        if (other != id) native_->ConfigInterOwners(id, other, setting);
     }
 }
 
@@ -238,39 +224,46 @@ template <typename Kind>
 void NativeConfiguration<Kind>::ConfigInterOwners(Sequence<Owner> owners, const Setting& setting) {
     std::vector<std::uint64_t> ids;
     ids.reserve(owners.size());
-    for (std::size_t i = 0; i < owners.size(); ++i) ids.push_back(NativeOwnerId(owners[i].get()));
-    Interface& native = Live();
+    for (const Owner& owner : owners.ToVector()) ids.push_back(NativeOwnerId(owner.get()));
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        for (std::size_t j = i + 1; j < ids.size(); ++j) native.ConfigInterOwners(ids[i], ids[j], setting);
+        for (std::size_t j = i + 1; j < ids.size(); ++j) native_->ConfigInterOwners(ids[i], ids[j], setting);
     }
 }
 
 template <typename Kind>
 void NativeConfiguration<Kind>::ConfigIntraOwner(const Owner& owner, const Setting& setting) {
-    Live().ConfigIntraOwner(NativeOwnerId(owner.get()), setting);
+    native_->ConfigIntraOwner(NativeOwnerId(owner.get()), setting);
 }
 
 template <typename Kind>
-void NativeConfiguration<Kind>::Merge(NativeConfiguration& other, const Setting& setting, int merge_policy) {
-    Live().MergeConfiguration(&other.Live(), setting, merge_policy);
-    MergeMaps(other);
+void NativeConfiguration<Kind>::Merge(const NativeConfiguration& other,
+                                      const Setting& setting,
+                                      int merge_policy) {
+    MergeMaps(other, [&] { native_->MergeConfiguration(other.native_.get(), setting, merge_policy); });
 }
 
 template <typename Kind>
-void NativeConfiguration<Kind>::Append(NativeConfiguration& other) {
-    Live().AppendDistinctConfiguration(&other.Live(), 0);
-    MergeMaps(other);
+void NativeConfiguration<Kind>::Append(const NativeConfiguration& other) {
+    MergeMaps(other, [&] { native_->AppendDistinctConfiguration(other.native_.get(), 0); });
 }
 
+/// What can throw comes before the engine takes the bodies over: none of them may be without an entry here.
 template <typename Kind>
-void NativeConfiguration<Kind>::MergeMaps(const NativeConfiguration& other) {
-    ElementsManager& manager = ElementsManager::get_Instance();
-    const ElementsManager::Lock lock(manager);
+template <typename MergeNative>
+void NativeConfiguration<Kind>::MergeMaps(const NativeConfiguration& other, const MergeNative& merge_native) {
+    Entries added;
     for (const Entry& entry : other.entries_) {
-        if (map_.contains(TValue{BodyOf(entry)})) continue;
-        Insert({entry.element, entry.wrapper, entry.native, false});
-        entries_.back().has_use = manager.IncreaseReferenceCount(entry.element);
+        if (!map_.contains(TValue{BodyOf(entry)}))
+            added.push_back({entry.element, entry.wrapper, entry.native, false});
     }
+    map_.ReserveMore(added.size());
+    const ElementsManager::Lock lock(ElementsManager::get_Instance());
+    merge_native();
+    for (auto entry = added.begin(); entry != added.end(); ++entry) {
+        entry->has_use = ElementsManager::get_Instance().TakeUse(*entry->wrapper);
+        map_.emplace(TValue{BodyOf(*entry)}, entry);
+    }
+    entries_.splice(entries_.end(), added);
 }
 
 template <typename Kind>
@@ -282,16 +275,18 @@ void NativeConfiguration<Kind>::Swap(NativeConfiguration& other) noexcept {
 }
 
 template <typename Kind>
-auto NativeConfiguration<Kind>::CoupleIsEnable(const Element& element1, const Element& element2)
+auto NativeConfiguration<Kind>::CoupleIsEnable(const Element& element1, const Element& element2) const
     -> std::optional<decltype(std::declval<Interface&>().CoupleIsEnable(nullptr, nullptr))> {
     RequireNotNull(element1, "element1");
     RequireNotNull(element2, "element2");
-    DropGone();
     const ElementsManager& manager = ElementsManager::get_Instance();
     const ElementsManager::Wrapper wrapper1 = manager.Get(element1);
     const ElementsManager::Wrapper wrapper2 = manager.Get(element2);
-    if (!wrapper1 || !wrapper2) return std::nullopt;
-    return native_->CoupleIsEnable(wrapper1->get_Body(), wrapper2->get_Body());
+    // Held: they need not be in this configuration, and other threads may remove them.
+    const std::shared_ptr<NativeBody> native1 = wrapper1 ? wrapper1->Native() : nullptr;
+    const std::shared_ptr<NativeBody> native2 = wrapper2 ? wrapper2->Native() : nullptr;
+    if (!native1 || !native2) return std::nullopt;
+    return native_->CoupleIsEnable(native1->body.get(), native2->body.get());
 }
 
 template <typename Kind>
@@ -303,9 +298,10 @@ auto NativeConfiguration<Kind>::Elements() const -> std::vector<Element> {
 }
 
 template <typename Kind>
-auto NativeConfiguration<Kind>::Pairs() -> std::vector<Pair> {
+auto NativeConfiguration<Kind>::Pairs() const -> std::vector<Pair> {
     std::vector<Pair> pairs;
-    return Live().RetrieveCouples(pairs);
+    native_->RetrieveCouples(pairs);
+    return pairs;
 }
 
 template <typename Kind>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "ostrel/quarrix/collision_configuration_element.h"
+#include "ostrel/quarrix/collision_configuration.h"
 #include "ostrel/quarrix/object.h"
+#include "ostrel/quarrix/proximity_configuration.h"
 #include "ostrel/quarrix/sequence.h"
 #include "registry/elements_manager.h"
 #include "registry/flat_map.h"
@@ -16,6 +17,7 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace Ostrel::Quarrix::Collisions {
@@ -27,11 +29,17 @@ struct TValue {
     bool operator==(const TValue&) const = default;
 };
 
+class NativeCollisionConfigurationWrapper;
+class NativeProximityConfigurationWrapper;
+
 /// What is particular to collision configurations.
 struct CollisionKind {
+    using PublicInterface = ICollisionConfiguration;
+    using Wrapper = NativeCollisionConfigurationWrapper;
     using Interface = tarn::ICollisionConfiguration;
     using Setting = bool;
     using Pair = tarn::CollisionPair;
+    static constexpr Setting kDisabled = false;
     /// Adding and removing holds the registry's lock throughout.
     static constexpr bool kHoldsRegistry = true;
     static std::unique_ptr<Interface> Make();
@@ -39,9 +47,12 @@ struct CollisionKind {
 
 /// What is particular to proximity configurations.
 struct ProximityKind {
+    using PublicInterface = IProximityConfiguration;
+    using Wrapper = NativeProximityConfigurationWrapper;
     using Interface = tarn::IProximityConfiguration;
     using Setting = tarn::ProximitySetting;
     using Pair = tarn::ProximityPair;
+    static constexpr Setting kDisabled{false, 0.0};
     /// Only each call of the registry locks it, deliberately.
     static constexpr bool kHoldsRegistry = false;
     static std::unique_ptr<Interface> Make();
@@ -51,8 +62,8 @@ struct ProximityKind {
 /// under their bodies, and one use in the registry for each of them.
 ///
 /// The registry can give up bodies under a configuration's feet (`ElementsManager::Clear`). The entries still
-/// hold them, so nothing refers to freed memory; every operation that reaches the engine first drops such
-/// entries, without giving back a use that is no longer theirs. `Elements` alone answers as things stand.
+/// hold them, so nothing refers to freed memory; an `Operation` first drops such entries, without giving back
+/// a use that is no longer theirs.
 template <typename Kind>
 class NativeConfiguration {
 public:
@@ -61,6 +72,26 @@ public:
     using Pair = typename Kind::Pair;
     using Element = std::shared_ptr<ICollisionConfigurationElement>;
     using Owner = std::shared_ptr<Object>;
+
+    /// A configuration for the length of one operation on it. Elements' code may dispose the configuration
+    /// meanwhile: this keeps it. Elements that are dropped go after the operation, when nobody uses the
+    /// configuration any more, and after the registry's lock: their destructors may do anything.
+    class Operation {
+    public:
+        explicit Operation(std::shared_ptr<NativeConfiguration> configuration)
+            : configuration_(std::move(configuration)),
+              dropped_(configuration_->DropGone()) {}
+        Operation(const Operation&) = delete;
+        Operation& operator=(const Operation&) = delete;
+        ~Operation();
+
+        NativeConfiguration* operator->() const { return configuration_.get(); }
+        NativeConfiguration& operator*() const { return *configuration_; }
+
+    private:
+        std::shared_ptr<NativeConfiguration> configuration_;
+        std::vector<Element> dropped_;
+    };
 
     NativeConfiguration() : NativeConfiguration(Kind::Make()) {}
     /// Around an engine's configuration without bodies.
@@ -83,21 +114,21 @@ public:
     void ConfigOwnerAgainstAll(const Owner& owner, const Setting& setting);
     void ConfigInterOwners(Sequence<Owner> owners, const Setting& setting);
     void ConfigIntraOwner(const Owner& owner, const Setting& setting);
-    void ConfigAllCouples(const Setting& setting) { Live().ConfigAllCouples(setting); }
-    void Merge(NativeConfiguration& other, const Setting& setting, int merge_policy);
-    void Append(NativeConfiguration& other);
+    void ConfigAllCouples(const Setting& setting) { native_->ConfigAllCouples(setting); }
+    void Merge(const NativeConfiguration& other, const Setting& setting, int merge_policy);
+    void Append(const NativeConfiguration& other);
     void Swap(NativeConfiguration& other) noexcept;
 
     /// The engine's answer for the couple of two registered elements; nothing where one is not registered.
     /// Throws `ArgumentNullException` ("element1", then "element2").
-    auto CoupleIsEnable(const Element& element1, const Element& element2)
+    auto CoupleIsEnable(const Element& element1, const Element& element2) const
         -> std::optional<decltype(std::declval<Interface&>().CoupleIsEnable(nullptr, nullptr))>;
     std::vector<Element> Elements() const;
-    std::vector<Pair> Pairs();
+    std::vector<Pair> Pairs() const;
     /// The element of a body. Throws `KeyNotFoundException` for a body of another configuration.
     Element Resolve(const tarn::ICollisionBody* body) const;
-    /// The engine's configuration without entries of bodies that are gone.
-    Interface& Live();
+    /// The engine's configuration.
+    Interface& Native() { return *native_; }
 
 private:
     struct Entry {
@@ -118,12 +149,13 @@ private:
 
     static tarn::ICollisionBody* BodyOf(const Entry& entry) { return entry.native->body.get(); }
     /// Null where the registry does not know the element, or this configuration does not hold its body.
-    tarn::ICollisionBody* FindBody(const Element& element) const;
+    std::shared_ptr<NativeBody> Find(const Element& element) const;
     Taken Enter(const Element& element, Entry*& entry);
     void Insert(Entry entry);
-    void ReleaseUse(Entry& entry);
-    void DropGone();
-    void MergeMaps(const NativeConfiguration& other);
+    void GiveUse(Entry& entry);
+    std::vector<Element> DropGone();
+    template <typename MergeNative>
+    void MergeMaps(const NativeConfiguration& other, const MergeNative& merge_native);
 
     std::unique_ptr<Interface> native_;
     /// In the order in which they came.

@@ -4,16 +4,54 @@
 
 #include "tarn/exception.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <locale>
 #include <ostream>
 #include <sstream>
+#include <string_view>
 
 namespace Ostrel::Quarrix::Collisions {
 
 namespace {
 
-constexpr const char* kBlanks = " \t\n\v\f\r";
+/// White space as Unicode has it, in UTF-8.
+constexpr std::string_view kBlanks[] = {" ",
+                                        "\t",
+                                        "\n",
+                                        "\v",
+                                        "\f",
+                                        "\r",
+                                        "\xC2\x85",
+                                        "\xC2\xA0",
+                                        "\xE1\x9A\x80",
+                                        "\xE2\x80\x80",
+                                        "\xE2\x80\x81",
+                                        "\xE2\x80\x82",
+                                        "\xE2\x80\x83",
+                                        "\xE2\x80\x84",
+                                        "\xE2\x80\x85",
+                                        "\xE2\x80\x86",
+                                        "\xE2\x80\x87",
+                                        "\xE2\x80\x88",
+                                        "\xE2\x80\x89",
+                                        "\xE2\x80\x8A",
+                                        "\xE2\x80\xA8",
+                                        "\xE2\x80\xA9",
+                                        "\xE2\x80\xAF",
+                                        "\xE2\x81\x9F",
+                                        "\xE3\x80\x80"};
+
+bool IsBlank(std::string_view text) {
+    while (!text.empty()) {
+        const auto* const blank =
+            std::ranges::find_if(kBlanks, [text](std::string_view each) { return text.starts_with(each); });
+        if (blank == std::end(kBlanks)) return false;
+        text.remove_prefix(blank->size());
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -39,8 +77,7 @@ std::string RequirePath(Text file_path, const void* configuration) {
 
 std::string RequirePath(Text file_path) {
     if (file_path.IsNull()) throw ArgumentNullException("filePath");
-    if (file_path.View().find_first_not_of(kBlanks) == std::string_view::npos)
-        throw ArgumentException("Parameter can't be empty", "filePath");
+    if (IsBlank(file_path.View())) throw ArgumentException("Parameter can't be empty", "filePath");
     return file_path.ToString();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "configuration/native_proximity_configuration_wrapper.h"
+#include "detector/native_detector_wrapper.h"
 #include "ostrel/quarrix/proximity_detector.h"
 
 #include "tarn/proximity_detector.h"
@@ -8,28 +10,20 @@
 
 namespace Ostrel::Quarrix::Collisions {
 
-/// The clearance checker over the engine's. What callers may expect stands with the interface. A
-/// configuration that is not the internal one, null included, throws `NullReferenceException` where it is
-/// used.
-class NativeProximityDetectorWrapper final : public IProximityDetector {
+/// The configuration as the internal class. Throws `NullReferenceException` for null and for another class.
+std::shared_ptr<const NativeProximityConfigurationWrapper> NativeOf(
+    const std::shared_ptr<IProximityConfiguration>& configuration);
+
+/// The clearance checker over the engine's. What callers may expect stands with the interface.
+class NativeProximityDetectorWrapper final
+    : public NativeDetectorWrapper<IProximityDetector, IProximityConfiguration, tarn::IProximityDetector> {
 public:
     NativeProximityDetectorWrapper();
 
-    void Dispose() override { detector_.reset(); }
-
+    using NativeDetectorWrapper::Check;
     std::shared_ptr<ProximityResult> Check(const std::shared_ptr<IProximityConfiguration>& configuration,
                                            CheckResultType checkType) override;
-    bool Check(const std::shared_ptr<IProximityConfiguration>& configuration) override;
-    void Dump(const std::shared_ptr<IProximityConfiguration>& configuration, std::ostream* writer) override;
-    void Dump(const std::shared_ptr<IProximityConfiguration>& configuration, Text filePath) override;
-    void Store(const std::shared_ptr<IProximityConfiguration>& configuration, Text filePath) override;
     std::shared_ptr<IProximityConfiguration> Retrieve(Text filePath) override;
-
-private:
-    tarn::IProximityDetector& Live() const;
-
-    /// Null after disposal.
-    std::unique_ptr<tarn::IProximityDetector> detector_;
 };
 
 }  // namespace Ostrel::Quarrix::Collisions

@@ -78,53 +78,62 @@ const ElementsManager::Entry* ElementsManager::Find(const Element& element) cons
     return found == map_.end() ? nullptr : &*found->second;
 }
 
+auto ElementsManager::FindOrMake(const Element& element) -> Found {
+    const Lock lock(*this);
+    if (const Entry* entry = Find(element)) return {entry->wrapper, false};
+    const std::uint64_t registrations = registrations_;
+    Entries made;
+    made.push_back({element, NativeCollisionBodyWrapper::Make(element)});
+    // Making the wrapper has run the element's code, which may have registered it meanwhile.
+    if (registrations != registrations_) {
+        if (const Entry* entry = Find(element)) return {entry->wrapper, false};
+    }
+    map_.emplace(element.get(), made.begin());
+    ++registrations_;
+    entries_.splice(entries_.end(), made);
+    return {entries_.back().wrapper, true};
+}
+
 ElementsManager::Wrapper ElementsManager::Add(const Element& element) {
     const Lock lock(*this);
-    return AddLocked(element);
+    Found found = FindOrMake(element);
+    if (!found.is_new) found.wrapper->IncrementRefCount();
+    return std::move(found.wrapper);
 }
 
 std::vector<ElementsManager::Wrapper> ElementsManager::Add(const Elements& elements) {
     const Lock lock(*this);
     std::vector<Wrapper> wrappers;
     wrappers.reserve(elements.size());
-    for (const Element& element : elements) wrappers.push_back(AddLocked(element));
+    for (const Element& element : elements) wrappers.push_back(Add(element));
     return wrappers;
-}
-
-ElementsManager::Wrapper ElementsManager::AddLocked(const Element& element) {
-    if (const Entry* entry = Find(element)) {
-        entry->wrapper->IncrementRefCount();
-        return entry->wrapper;
-    }
-    Entries added;
-    added.push_back({element, NativeCollisionBodyWrapper::Make(element)});
-    // Making the wrapper has run the element's code, which may have registered it meanwhile.
-    if (const Entry* entry = Find(element)) {
-        entry->wrapper->IncrementRefCount();
-        return entry->wrapper;
-    }
-    map_.emplace(element.get(), added.begin());
-    entries_.splice(entries_.end(), added);
-    return entries_.back().wrapper;
 }
 
 void ElementsManager::Remove(const Element& element) {
     const Lock lock(*this);
-    RemoveLocked(element);
+    if (const Entry* const entry = Find(element)) GiveUse(entry->element, *entry->wrapper);
 }
 
 void ElementsManager::Remove(const Elements& elements) {
     const Lock lock(*this);
-    for (const Element& element : elements) RemoveLocked(element);
+    for (const Element& element : elements) Remove(element);
 }
 
-void ElementsManager::RemoveLocked(const Element& element) {
-    if (!element) return;
+bool ElementsManager::TakeUse(NativeCollisionBodyWrapper& wrapper) {
+    const Lock lock(*this);
+    if (wrapper.IsDisposed()) return false;
+    wrapper.IncrementRefCount();
+    return true;
+}
+
+void ElementsManager::GiveUse(const Element& element, NativeCollisionBodyWrapper& wrapper) {
+    const Lock lock(*this);
+    if (wrapper.IsDisposed()) return;
+    wrapper.DecrementRefCount();
+    if (wrapper.RefCount() != 0) return;
     const auto found = map_.find(element.get());
-    if (found == map_.end()) return;
+    if (found == map_.end() || found->second->wrapper.get() != &wrapper) return;
     const Entries::iterator entry = found->second;
-    entry->wrapper->DecrementRefCount();
-    if (entry->wrapper->RefCount() != 0) return;
     map_.erase(found);
     removed_.splice(removed_.end(), entries_, entry);
     if (entry->wrapper->GiveUp()) epoch_.fetch_add(1, std::memory_order_release);
@@ -144,9 +153,13 @@ std::vector<ElementsManager::Wrapper> ElementsManager::Get(const Elements& eleme
     return wrappers;
 }
 
-void ElementsManager::KeepUntilUnlocked(Element element) const {
+void ElementsManager::KeepUntilUnlocked(Element element) const noexcept {
     const Lock lock(*this);
-    removed_.push_back({std::move(element), nullptr});
+    try {
+        removed_.push_back({element, nullptr});
+    } catch (...) {
+        // Memory ran out: it goes now.
+    }
 }
 
 void ElementsManager::Clear() {

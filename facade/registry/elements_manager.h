@@ -89,8 +89,20 @@ public:
     };
     Lock GetLock() const { return Lock(*this); }
 
+    /// An element's wrapper, and whether it was made just now: then one use has been taken, else none.
+    struct Found {
+        Wrapper wrapper;
+        bool is_new;
+    };
+    Found FindOrMake(const Element& element);
+    /// Takes a use of a registered element whose wrapper is known, which spares looking it up. False where
+    /// the registry has given the body up.
+    bool TakeUse(NativeCollisionBodyWrapper& wrapper);
+    /// As `Remove`, if the element still has this wrapper; what was given up took its uses along.
+    void GiveUse(const Element& element, NativeCollisionBodyWrapper& wrapper);
+
     /// Takes over what may be the last reference to an element: it goes after the registry's lock.
-    void KeepUntilUnlocked(Element element) const;
+    void KeepUntilUnlocked(Element element) const noexcept;
 
     /// Changes whenever bodies are given up that somebody else than the registry still holds.
     std::uint64_t GetEpoch() const { return epoch_.load(std::memory_order_acquire); }
@@ -120,8 +132,6 @@ private:
 
     void RequireNotDisposed() const;
     const Entry* Find(const Element& element) const;
-    Wrapper AddLocked(const Element& element);
-    void RemoveLocked(const Element& element);
     void ClearLocked();
 
     std::atomic<std::uint64_t> epoch_{0};
@@ -131,6 +141,7 @@ private:
     /// What was removed, until the outermost lock is released.
     mutable Entries removed_;
     bool disposed_ = false;
+    std::uint64_t registrations_ = 0;
     /// In the order of registration.
     Entries entries_;
     FlatMap<const ICollisionConfigurationElement*, Entries::iterator, Hash, Equal> map_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -37,12 +38,18 @@ public:
     }
     bool contains(const Key& key) const { return find(key) != end(); }
 
-    /// The key must be absent. Changes nothing if it throws.
+    /// The key must be absent. Changes nothing if it throws, which it does not where there is room.
     void emplace(const Key& key, const Value& value) {
         const Slot slot{key, value, HashOf(key)};
-        if (2 * (size_ + 1) > slots_.size()) Grow();
+        ReserveMore(1);
         Place(slot);
         ++size_;
+    }
+    /// Makes room for so many further keys.
+    void ReserveMore(std::size_t count) {
+        std::size_t slot_count = std::max(kFewestSlots, slots_.size());
+        while (slot_count < 2 * (size_ + count)) slot_count *= 2;
+        if (slot_count > slots_.size()) Rehash(slot_count);
     }
 
     void erase(const Slot* slot) {
@@ -70,6 +77,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t kFewestSlots = 16;
+
     /// Fibonacci hashing: the upper bits depend on all bits of the caller's hash. Never 0.
     static std::uint32_t HashOf(const Key& key) {
         const std::uint64_t mixed = std::uint64_t{Hash()(key)} * 0x9E3779B97F4A7C15;
@@ -86,8 +95,8 @@ private:
         while (slots_[i].hash != 0) i = Next(i);
         slots_[i] = slot;
     }
-    void Grow() {
-        std::vector<Slot> slots(slots_.empty() ? 16 : 2 * slots_.size());
+    void Rehash(std::size_t slot_count) {
+        std::vector<Slot> slots(slot_count);
         slots.swap(slots_);
         for (const Slot& slot : slots) {
             if (slot.hash != 0) Place(slot);

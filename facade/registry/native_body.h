@@ -14,7 +14,10 @@ namespace Ostrel::Quarrix::Collisions {
 /// gives up a body that a configuration still holds, the engine's configuration refers to live memory, and
 /// the address stands for no other body, until the configuration has let go of it.
 struct NativeBody {
-    std::unique_ptr<NativeCollisionElementWrapper> mesh;
+    /// With its mesh, and without the body yet.
+    explicit NativeBody(const ICollisionElement& element) : mesh(element) {}
+
+    NativeCollisionElementWrapper mesh;
     std::unique_ptr<tarn::ICollisionBody> body;
 };
 

@@ -23,12 +23,11 @@ tarn::MATRIX PlacementOf(const ICollisionElement& element) {
 }
 
 std::shared_ptr<NativeBody> MakeNativeBody(const ICollisionElement& element) {
-    auto native = std::make_shared<NativeBody>();
-    native->mesh = std::make_unique<NativeCollisionElementWrapper>(element);
+    auto native = std::make_shared<NativeBody>(element);
     const std::shared_ptr<ICollisionElementOwner> owner = element.get_Owner();
     native->body =
         tarn::make_unique_body(NativeBodyId(element), NativeOwnerId(owner.get()), element.get_Name());
-    native->body->AddElement(native->mesh->get_Element());
+    native->body->AddElement(native->mesh.get_Element());
     native->body->SetLeafNumber(kLeafSize);
     return native;
 }
@@ -39,40 +38,40 @@ std::shared_ptr<NativeCollisionBodyWrapper> NativeCollisionBodyWrapper::Make(
     const std::shared_ptr<ICollisionConfigurationElement>& element) {
     auto with_mesh = std::dynamic_pointer_cast<ICollisionElement>(element);
     if (!with_mesh) throw ArgumentNullException();
-    const std::shared_ptr<NativeCollisionBodyWrapper> wrapper(
-        new NativeCollisionBodyWrapper(std::move(with_mesh)));
+    auto wrapper = std::make_shared<NativeCollisionBodyWrapper>(OnlyMake(), std::move(with_mesh));
     wrapper->Subscribe(wrapper);
     wrapper->Build();
     return wrapper;
 }
 
-NativeCollisionBodyWrapper::NativeCollisionBodyWrapper(std::shared_ptr<ICollisionElement> element)
+NativeCollisionBodyWrapper::NativeCollisionBodyWrapper(OnlyMake /*key*/,
+                                                       std::shared_ptr<ICollisionElement> element)
     : element_(std::move(element)) {}
 
 /// The handlers do not own the wrapper: it owns the element, and the element owns its events.
 void NativeCollisionBodyWrapper::Subscribe(const std::shared_ptr<NativeCollisionBodyWrapper>& self) {
-    const std::weak_ptr<NativeCollisionBodyWrapper> weak = self;
-    position_token_ = element_->get_PositionChanged().add([weak](Object* /*sender*/) {
-        if (const auto wrapper = weak.lock()) wrapper->OnPositionChanged();
-    });
-    shape_token_ = element_->get_CollisionElementChanged().add([weak](Object* /*sender*/) {
-        if (const auto wrapper = weak.lock()) wrapper->OnCollisionElementChanged();
-    });
+    position_token_ =
+        element_->get_PositionChanged().add(self, [this](Object* /*sender*/) { OnPositionChanged(); });
+    shape_token_ = element_->get_CollisionElementChanged().add(
+        self, [this](Object* /*sender*/) { OnCollisionElementChanged(); });
 }
 
 /// The events are followed already, so a change that comes while the element is read is not missed.
 void NativeCollisionBodyWrapper::Build() {
     const std::shared_ptr<ICollisionElement> element = element_;
     std::shared_ptr<NativeBody> native = MakeNativeBody(*element);
+    native->body->SetMatrix(PlacementOf(*element));
+    bool has_moved = false;
     bool has_changed = false;
     {
         const std::lock_guard lock(lock_);
         native_ = std::move(native);
+        has_moved = moves_.begun > 0;
         has_changed = reshapes_.begun > 0;
     }
     if (has_changed) {
         OnCollisionElementChanged();
-    } else {
+    } else if (has_moved) {
         OnPositionChanged();
     }
 }
@@ -103,10 +102,15 @@ bool NativeCollisionBodyWrapper::IsDisposed() const {
     return disposed_;
 }
 
-std::shared_ptr<NativeBody> NativeCollisionBodyWrapper::get_Native() const {
+std::shared_ptr<NativeBody> NativeCollisionBodyWrapper::Native() const {
     const std::lock_guard lock(lock_);
-    if (disposed_) throw ObjectDisposedException("");
     return native_;
+}
+
+tarn::ICollisionBody* NativeCollisionBodyWrapper::get_Body() const {
+    const std::shared_ptr<NativeBody> native = Native();
+    if (!native) throw ObjectDisposedException("");
+    return native->body.get();
 }
 
 void NativeCollisionBodyWrapper::OnPositionChanged() {
@@ -134,29 +138,29 @@ void NativeCollisionBodyWrapper::OnCollisionElementChanged() {
         if (!native_) return;
         element = element_;
     }
-    auto mesh = std::make_unique<NativeCollisionElementWrapper>(*element);
+    NativeCollisionElementWrapper mesh(*element);
     {
         const std::lock_guard lock(lock_);
         if (disposed_ || !reshapes_.Apply(turn)) return;
-        ReplaceMesh(std::move(mesh));
+        ExchangeMesh(mesh);
     }
     OnPositionChanged();
 }
 
 /// If the engine fails, the body is left with the old mesh and its hierarchy.
-void NativeCollisionBodyWrapper::ReplaceMesh(std::unique_ptr<NativeCollisionElementWrapper> mesh) {
+void NativeCollisionBodyWrapper::ExchangeMesh(NativeCollisionElementWrapper& mesh) {
     tarn::ICollisionBody& body = *native_->body;
-    tarn::ICollisionElement* const old = native_->mesh->get_Element();
+    tarn::ICollisionElement* const old = native_->mesh.get_Element();
     body.RemoveElement(old);
     try {
-        body.AddElement(mesh->get_Element());
+        body.AddElement(mesh.get_Element());
         body.SetLeafNumber(kLeafSize);
     } catch (...) {
-        body.RemoveElement(mesh->get_Element());
+        body.RemoveElement(mesh.get_Element());
         body.AddElement(old);
         throw;
     }
-    native_->mesh = std::move(mesh);
+    native_->mesh.Swap(mesh);
 }
 
 }  // namespace Ostrel::Quarrix::Collisions

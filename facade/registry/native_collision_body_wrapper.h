@@ -19,11 +19,17 @@ namespace Ostrel::Quarrix::Collisions {
 /// without it, so that a caller's code, which may use the object model, never runs under it. Where the
 /// registry's lock is held, too, that one was taken first.
 class NativeCollisionBodyWrapper final : public IDisposable {
+    /// Keeps the constructor to `Make`, though it is public for one allocation with the counters.
+    struct OnlyMake {
+        explicit OnlyMake() = default;
+    };
+
 public:
     /// Subscribes to the events, builds mesh, body and hierarchy, applies the position. The use count is 1.
     /// Throws `ArgumentNullException`, without a parameter name, for an element without a mesh.
     static std::shared_ptr<NativeCollisionBodyWrapper> Make(
         const std::shared_ptr<ICollisionConfigurationElement>& element);
+    NativeCollisionBodyWrapper(OnlyMake key, std::shared_ptr<ICollisionElement> element);
     ~NativeCollisionBodyWrapper() override { GiveUp(); }
 
     /// Ends the subscriptions and gives the body up.
@@ -32,9 +38,10 @@ public:
     bool GiveUp() noexcept;
     bool IsDisposed() const;
 
-    /// Throw `ObjectDisposedException` with an empty object name after disposal.
-    tarn::ICollisionBody* get_Body() const { return get_Native()->body.get(); }
-    std::shared_ptr<NativeBody> get_Native() const;
+    /// Throws `ObjectDisposedException` with an empty object name after disposal.
+    tarn::ICollisionBody* get_Body() const;
+    /// The body for whoever holds it; null after disposal.
+    std::shared_ptr<NativeBody> Native() const;
 
     /// Plain numbers, which the registry's lock guards.
     void IncrementRefCount() { ++ref_count_; }
@@ -56,13 +63,11 @@ private:
         }
     };
 
-    explicit NativeCollisionBodyWrapper(std::shared_ptr<ICollisionElement> element);
-
     void Subscribe(const std::shared_ptr<NativeCollisionBodyWrapper>& self);
     void Build();
     void OnPositionChanged();
     void OnCollisionElementChanged();
-    void ReplaceMesh(std::unique_ptr<NativeCollisionElementWrapper> mesh);
+    void ExchangeMesh(NativeCollisionElementWrapper& mesh);
 
     mutable std::mutex lock_;
     bool disposed_ = false;

@@ -9,18 +9,47 @@
 
 namespace Ostrel::Quarrix::Collisions {
 
-NativeCollisionElementWrapper::NativeCollisionElementWrapper(const ICollisionElement& element) {
-    // Elements come by the thousand, so each thread keeps the room for the next. `Load` may lead here again:
-    // then it is taken.
-    constexpr std::size_t kUsualTriangles = 32;
-    constexpr std::size_t kKeptTriangles = 4096;
-    static thread_local std::vector<tarn::TriangleData> kept;
-    std::vector<tarn::TriangleData> triangles = std::move(kept);
+namespace {
+
+using Triangles = std::vector<tarn::TriangleData>;
+
+constexpr std::size_t kUsualTriangles = 32;
+constexpr std::size_t kMostKept = 4096;
+
+/// Elements come by the thousand, so each thread keeps the room for the next.
+struct KeptRoom {
+    Triangles triangles;
+    ~KeptRoom();
+};
+
+thread_local KeptRoom kept_room;
+/// It has no destructor, so it can be asked when other objects of an ending thread still load elements.
+thread_local bool kept_room_is_gone = false;
+
+KeptRoom::~KeptRoom() {
+    kept_room_is_gone = true;
+}
+
+/// `Load` may lead here again: then the room is taken.
+Triangles TakeRoom() {
+    Triangles triangles;
+    if (!kept_room_is_gone) triangles.swap(kept_room.triangles);
     triangles.clear();
     triangles.reserve(kUsualTriangles);
+    return triangles;
+}
+
+void GiveRoomBack(Triangles& triangles) {
+    if (!kept_room_is_gone && triangles.capacity() <= kMostKept) triangles.swap(kept_room.triangles);
+}
+
+}  // namespace
+
+NativeCollisionElementWrapper::NativeCollisionElementWrapper(const ICollisionElement& element) {
+    Triangles triangles = TakeRoom();
     element.Load(Loader(triangles));
     element_ = tarn::make_unique_element(element.get_Name(), triangles);
-    if (triangles.capacity() <= kKeptTriangles) kept = std::move(triangles);
+    GiveRoomBack(triangles);
 }
 
 }  // namespace Ostrel::Quarrix::Collisions

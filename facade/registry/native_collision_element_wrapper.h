@@ -20,6 +20,9 @@ public:
     /// Null after disposal.
     tarn::ICollisionElement* get_Element() const { return element_.get(); }
 
+    /// Exchanges the meshes.
+    void Swap(NativeCollisionElementWrapper& other) noexcept { element_.swap(other.element_); }
+
 private:
     std::unique_ptr<tarn::ICollisionElement> element_;
 };

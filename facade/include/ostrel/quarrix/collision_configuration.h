@@ -168,13 +168,13 @@ public:
 
 private:
     friend class CollisionDetector;
-    friend NativeCollisionConfigurationWrapper& NativeOf(
+    friend std::shared_ptr<const NativeCollisionConfigurationWrapper> NativeOf(
         const std::shared_ptr<ICollisionConfiguration>& configuration);
 
     QUARRIX_LOCAL explicit CollisionConfiguration(
         std::shared_ptr<NativeCollisionConfigurationWrapper> native);
 
-    QUARRIX_LOCAL NativeCollisionConfigurationWrapper& Native() const;
+    QUARRIX_LOCAL std::shared_ptr<NativeCollisionConfigurationWrapper> Native() const;
 
     bool disposed_ = false;
     std::shared_ptr<NativeCollisionConfigurationWrapper> native_;

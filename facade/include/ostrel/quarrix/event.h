@@ -3,11 +3,12 @@
 #include "ostrel/quarrix/export.h"
 #include "ostrel/quarrix/object.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <vector>
+#include <optional>
 
 namespace Ostrel::Quarrix::Collisions {
 
@@ -26,8 +27,11 @@ public:
     ~Event();
 
     /// Subscribes. What the handler holds lives until it is removed, so a handler should not own whoever
-    /// owns the event.
+    /// owns the event. An empty handler is never called.
     Token add(Handler handler);
+    /// Subscribes for as long as the subscriber lives, which is not owned but kept alive while the handler
+    /// runs.
+    Token add(std::weak_ptr<const void> subscriber, Handler handler);
     /// Ends a subscription; an unknown one is ignored. A call of the handler that is under way on another
     /// thread may still be running when this returns.
     void remove(Token token);
@@ -37,14 +41,25 @@ public:
 
 private:
     struct Subscription {
-        Token token;
+        Token token{};
+        std::optional<std::weak_ptr<const void>> subscriber;
         Handler handler;
     };
-    using Subscriptions = std::vector<Subscription>;
+    /// A list that is never changed but replaced. Elements come by the thousand, each with its events: a list
+    /// is one allocation, and none where nobody is subscribed.
+    struct Subscriptions {
+        std::shared_ptr<Subscription[]> all;
+        std::size_t count = 0;
 
-    /// Guards the two fields below; the list itself is never changed but replaced.
+        const Subscription* begin() const { return all.get(); }
+        const Subscription* end() const { return all.get() + count; }
+    };
+
+    QUARRIX_LOCAL Token Append(Subscription subscription);
+
+    /// Guards the two fields below.
     mutable std::mutex mutex_;
-    std::shared_ptr<const Subscriptions> subscriptions_;
+    Subscriptions subscriptions_;
     std::uint64_t last_token_ = 0;
 };
 
