@@ -53,7 +53,6 @@ AABBHierarchy::AABBHierarchy(const std::vector<const Triangle*>& triangles,
     node_count_ = built.node_count;
     nodes_ = std::make_unique<AABBHierarchyNode[]>(node_count_);
     CopyNodes(built);
-    wide_.emplace(Nodes());
     local_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
     world_triangles_ = std::make_unique_for_overwrite<Triangle[]>(triangles.size());
     ParallelFor(triangles.size(), kCopyChunk, [&](std::size_t begin, std::size_t end) {
@@ -63,6 +62,7 @@ AABBHierarchy::AABBHierarchy(const std::vector<const Triangle*>& triangles,
             world_triangles_[i] = triangle;
         }
     });
+    wide_.emplace(Nodes());
 }
 
 void AABBHierarchy::CopyNodes(const BuiltTree& built) {
@@ -98,15 +98,22 @@ const AABBHierarchyNode* AABBHierarchyNode::LastOfSubtree() const {
     return node;
 }
 
+const AABBHierarchyNode* AABBHierarchyNode::FirstLeaf() const {
+    const AABBHierarchyNode* node = this;
+    while (!node->IsLeaf()) node = node->FirstChild();
+    return node;
+}
+
 NodeStatistics AABBHierarchyNode::Statistics() const {
-    NodeStatistics statistics{0, 0, triangle_count_};
-    const AABBHierarchyNode* first_leaf = this;
-    for (; !first_leaf->IsLeaf(); first_leaf = first_leaf->FirstChild()) ++statistics.depth;
-    // The triangles of a subtree are one run, because the leaves are numbered in pre-order.
-    const AABBHierarchyNode* last_leaf = LastOfSubtree();
-    statistics.total_triangles =
-        last_leaf->FirstTriangle() + last_leaf->triangle_count_ - first_leaf->FirstTriangle();
-    return statistics;
+    // First children follow one another in pre-order.
+    return {static_cast<std::uint64_t>(FirstLeaf() - this), LocalTrianglesBelow().size(), triangle_count_};
+}
+
+std::span<const Triangle> AABBHierarchy::LocalTrianglesBelow(const AABBHierarchyNode& node) const {
+    // They are one run, because the leaves are numbered in pre-order.
+    const std::size_t begin = node.FirstLeaf()->FirstTriangle();
+    const AABBHierarchyNode* last_leaf = node.LastOfSubtree();
+    return {local_triangles_.get() + begin, last_leaf->FirstTriangle() + last_leaf->triangle_count_ - begin};
 }
 
 void AABBHierarchyNode::Accept(AABBHierarchyNodeVisitor& visitor) const {

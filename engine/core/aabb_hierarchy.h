@@ -48,7 +48,9 @@ public:
     const Box& WorldBox() const;
     /// The triangles of a leaf in element coordinates; none for inner nodes.
     std::span<const Triangle> LocalTriangles() const;
-    /// The same in world coordinates, in the same order, refreshed if stale. Safe from any thread.
+    /// The triangles of all leaves below, in their order, in element coordinates.
+    std::span<const Triangle> LocalTrianglesBelow() const;
+    /// Those of a leaf in world coordinates, in the same order, refreshed if stale. Safe from any thread.
     std::span<const Triangle> WorldTriangles() const;
 
     /// The extent sum of the local box: it chooses which node a descent splits, whatever the placement.
@@ -63,6 +65,7 @@ private:
     static constexpr std::uint32_t kLeafBit = 0x80000000U;
 
     const AABBHierarchyNode* LastOfSubtree() const;
+    const AABBHierarchyNode* FirstLeaf() const;
     std::uint32_t FirstTriangle() const { return link_ & ~kLeafBit; }
 
     mutable Box world_box_{};
@@ -117,6 +120,7 @@ public:
     std::span<const Triangle> LocalTriangles(const AABBHierarchyNode& node) const {
         return {local_triangles_.get() + node.FirstTriangle(), node.triangle_count_};
     }
+    std::span<const Triangle> LocalTrianglesBelow(const AABBHierarchyNode& node) const;
     std::span<const Triangle> WorldTriangles(const AABBHierarchyNode& node) const {
         if (node.triangles_generation_.load(std::memory_order_acquire) != generation_)
             RefreshWorldTriangles(node);
@@ -151,6 +155,10 @@ inline const Box& AABBHierarchyNode::WorldBox() const {
 
 inline std::span<const Triangle> AABBHierarchyNode::LocalTriangles() const {
     return IsLeaf() ? tree_->LocalTriangles(*this) : std::span<const Triangle>();
+}
+
+inline std::span<const Triangle> AABBHierarchyNode::LocalTrianglesBelow() const {
+    return tree_->LocalTrianglesBelow(*this);
 }
 
 inline std::span<const Triangle> AABBHierarchyNode::WorldTriangles() const {

@@ -2,10 +2,13 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box.h"
+#include "core/plane.h"
+#include "core/triangle.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace tarn::details {
 
@@ -14,16 +17,70 @@ namespace {
 /// Covers the rounding of a half extent to single precision, and of its sum with the centre.
 constexpr double kHalfGrowth = 1.0 + 0x1p-22;
 
+/// Runs of triangles longer than this have no slab: few of them are thin, and it would take time to find out.
+constexpr std::size_t kSlabTriangles = 64;
+/// Triangles of a run whose normals are tried, the first ones.
+constexpr std::size_t kTriedNormals = 5;
+
 struct Interval {
     float centre;
     float half;
 };
 
-/// The interval relative to `origin`. The half is measured from the rounded centre, so both ends are inside.
-Interval Narrow(double min, double max, double origin) {
-    const auto centre = static_cast<float>(0.5 * ((min - origin) + (max - origin)));
-    const double middle = origin + static_cast<double>(centre);
+/// The half is measured from the rounded centre, so both ends are inside.
+Interval Narrow(double min, double max) {
+    const auto centre = static_cast<float>(0.5 * (min + max));
+    const double middle = static_cast<double>(centre);
     return {centre, static_cast<float>(std::max(max - middle, middle - min) * kHalfGrowth)};
+}
+
+/// Rounded to single precision, and back: that is the direction along which the tests look.
+Vector3 NarrowUnit(const Vector3& normal) {
+    const double length = std::sqrt(LengthSquared(normal));
+    const auto narrow = [length](double v) { return static_cast<double>(static_cast<float>(v / length)); };
+    return {narrow(normal.x), narrow(normal.y), narrow(normal.z)};
+}
+
+struct Slab {
+    Vector3 normal{};
+    double min = 0.0;
+    double max = 0.0;
+};
+
+/// Where the triangles lie along a direction.
+Slab SlabAlong(const Vector3& normal, std::span<const Triangle> triangles, const Vector3& origin) {
+    Slab slab{normal, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (const Triangle& triangle : triangles) {
+        const double d0 = Dot(normal, Vertex0(triangle) - origin);
+        const double d1 = Dot(normal, Vertex1(triangle) - origin);
+        const double d2 = Dot(normal, Vertex2(triangle) - origin);
+        slab.min = std::min(slab.min, std::min(d0, std::min(d1, d2)));
+        slab.max = std::max(slab.max, std::max(d0, std::max(d1, d2)));
+    }
+    return slab;
+}
+
+/// The thinnest slab among those along the normals of some triangles and along their mean.
+Slab ThinnestSlab(std::span<const Triangle> triangles, const Vector3& origin) {
+    Slab thinnest;
+    double least = std::numeric_limits<double>::infinity();
+    const auto attempt = [&](const Vector3& normal) {
+        const Slab slab = SlabAlong(NarrowUnit(normal), triangles, origin);
+        // NaN, which directions without a length bring, is never less.
+        if (!(slab.max - slab.min < least)) return;
+        least = slab.max - slab.min;
+        thinnest = slab;
+    };
+    if (triangles.empty() || triangles.size() > kSlabTriangles) return thinnest;
+    const Vector3 first = Normal(triangles[0]);
+    Vector3 sum{};
+    for (const Triangle& triangle : triangles) {
+        const Vector3 normal = Normal(triangle);
+        sum = Dot(normal, first) < 0.0 ? sum - normal : sum + normal;
+    }
+    attempt(sum);
+    for (std::size_t i = 0; i < std::min(triangles.size(), kTriedNormals); ++i) attempt(Normal(triangles[i]));
+    return thinnest;
 }
 
 /// The nodes below one that make a wide node: its children, the largest of which is opened until there are
@@ -88,13 +145,33 @@ std::uint32_t WideHierarchy::Append(std::span<const AABBHierarchyNode* const> me
     for (std::size_t lane = 0; lane < members.size(); ++lane) {
         const Box box = members[lane]->LocalBox();
         for (int axis = 0; axis < 3; ++axis) {
-            const auto [centre, half] = Narrow(box.min[axis], box.max[axis], origin_[axis]);
+            const auto [centre, half] = Narrow(box.min[axis] - origin_[axis], box.max[axis] - origin_[axis]);
             node.centre[axis][lane] = centre;
             node.half[axis][lane] = half;
         }
-        node.child[lane] = static_cast<std::uint32_t>(members[lane] - first);
+        const Slab slab = ThinnestSlab(members[lane]->LocalTrianglesBelow(), origin_);
+        for (int axis = 0; axis < 3; ++axis)
+            node.slab_normal[axis][lane] = static_cast<float>(slab.normal[axis]);
+        const auto [centre, half] = Narrow(slab.min, slab.max);
+        node.slab_centre[lane] = centre;
+        node.slab_half[lane] = half;
+        node.binary[lane] = static_cast<std::uint32_t>(members[lane] - first);
+        node.child[lane] = node.binary[lane];
     }
+    for (std::size_t lane = members.size(); lane < WideNode::kLanes; ++lane) node.binary[lane] = kLeafBit;
     return static_cast<std::uint32_t>(nodes_.size() - 1);
+}
+
+void WideHierarchy::VisitSlabNormalsAbove(std::uint32_t leaf,
+                                          FunctionRef<void(const Vector3& normal)> visit) const {
+    // In pre-order, a leaf lies below the last node of a level that does not come after it.
+    for (std::uint32_t child = 0; (child & kLeafBit) == 0;) {
+        const WideNode& node = nodes_[child];
+        std::uint32_t lane = 0;
+        while (lane + 1 < node.count && node.binary[lane + 1] <= leaf) ++lane;
+        visit({node.slab_normal[0][lane], node.slab_normal[1][lane], node.slab_normal[2][lane]});
+        child = node.child[lane];
+    }
 }
 
 }  // namespace tarn::details

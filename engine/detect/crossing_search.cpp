@@ -6,6 +6,7 @@
 #include "detect/relative_frame.h"
 #include "detect/wide_search.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 
@@ -16,7 +17,7 @@ namespace {
 /// A leaf pair that the rule tests has overlapping world boxes and is not shown apart. The wide search visits
 /// every such pair and some others; as few of them hit, and hits are few, the rule is asked afterwards.
 bool SearchCrossing(const AABBHierarchy& first, const AABBHierarchy& second, const RelativeFrame& frame) {
-    const std::size_t most_triangles = std::size_t{first.LeafNumber()} + second.LeafNumber();
+    const std::size_t most_triangles = std::max(first.LeafNumber(), second.LeafNumber());
     std::atomic<bool> is_found = false;
     SearchLimit limit(0.0);
     VisitNearLeafPairs(first, second, frame, limit, [&](const NodePair& leaves) {

@@ -5,6 +5,7 @@
 #include "detect/pair_descent.h"
 #include "detect/relative_frame.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace tarn::details {
@@ -16,7 +17,7 @@ TriangleHit FirstHit(const AABBHierarchy& first,
                      const AABBHierarchy& second,
                      const RelativeFrame& frame,
                      Admits admits) {
-    LeafTest leaf_test(std::size_t{first.LeafNumber()} + second.LeafNumber());
+    LeafTest leaf_test(std::max(first.LeafNumber(), second.LeafNumber()));
     TriangleHit hit;
     VisitLeafPairs(first, second, admits, [&](const NodePair& leaves) {
         if (frame.LeavesAreApart(*leaves.first, *leaves.second)) return false;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/plane.h"
 #include "core/triangle.h"
 
 #include <array>
@@ -19,11 +18,18 @@ struct TriangleHit {
     explicit operator bool() const { return first != nullptr; }
 };
 
-/// Tests the triangles of leaf pairs. Holds the room for their records, so one serves a whole descent. It
+/// Four triangles side by side, as wide instructions want them: coordinate by coordinate.
+struct alignas(32) TriangleGroup {
+    static constexpr std::size_t kLanes = 4;
+
+    double coordinate[9][kLanes];
+};
+
+/// Tests the triangles of leaf pairs. Holds the room for one leaf in groups, so one serves a whole descent. It
 /// allocates once, at the first leaf pair, and only where the trees' leaf numbers are large.
 class LeafTest {
 public:
-    /// `most_triangles` is the sum of the two trees' leaf numbers.
+    /// `most_triangles` is the larger of the two trees' leaf numbers.
     explicit LeafTest(std::size_t most_triangles);
     LeafTest(const LeafTest&) = delete;
     LeafTest& operator=(const LeafTest&) = delete;
@@ -33,23 +39,14 @@ public:
     TriangleHit FindFirstHit(std::span<const Triangle> first_leaf, std::span<const Triangle> second_leaf);
 
 private:
-    /// A triangle with its plane, computed once for all triangles of the other leaf.
-    struct Record {
-        Triangle triangle;
-        Plane plane;
-    };
+    /// Room for leaves of the usual five triangles, and somewhat more.
+    static constexpr std::size_t kInlineGroups = 4;
 
-    /// Two leaves of the usual five triangles fit several times.
-    static constexpr std::size_t kInlineRecords = 32;
+    TriangleGroup* Room();
 
-    static void Prepare(std::span<const Triangle> leaf, Record* records);
-
-    /// Room for the records of two leaves.
-    Record* Room();
-
-    std::size_t most_triangles_;
-    std::array<Record, kInlineRecords> inline_records_;
-    std::unique_ptr<Record[]> heap_records_;
+    std::size_t most_groups_;
+    std::array<TriangleGroup, kInlineGroups> inline_groups_;
+    std::unique_ptr<TriangleGroup[]> heap_groups_;
 };
 
 }  // namespace tarn::details

@@ -8,6 +8,7 @@
 #include "detect/pair_descent.h"
 #include "detect/relative_frame.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -80,7 +81,7 @@ private:
     /// boxes are apart, so the test is not left out for leaf pairs at a distance. Overlapping ones have been
     /// tested.
     bool CollectCandidates(CandidateEvaluation& candidates) {
-        LeafTest leaf_test(std::size_t{first_.LeafNumber()} + second_.LeafNumber());
+        LeafTest leaf_test(std::max(first_.LeafNumber(), second_.LeafNumber()));
         const double bound = finding_.outcome.bound;
         double distance = 0.0;
         return VisitLeafPairs(

@@ -8,6 +8,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -27,8 +28,8 @@ constexpr float kShrink = 1.0F - 0x1p-20F;
 /// them by: how far they are apart along the best of the six edge directions, negative where they overlap.
 struct Look {
     unsigned near;  ///< a bit for each lane that is not farther away than the limit
-    alignas(16) float lower[WideNode::kLanes];
-    alignas(16) float order[WideNode::kLanes];
+    alignas(32) float lower[WideNode::kLanes];
+    alignas(32) float order[WideNode::kLanes];
 };
 
 HWY_INLINE void LookAtLanes(const WideView& view,
@@ -75,7 +76,39 @@ HWY_INLINE void LookAtLanes(const WideView& view,
         const V apart = hn::Max(gap - margin, zero);
         lower_b = hn::MulAdd(apart, apart, lower_b);
     }
-    lower = hn::Max(lower, lower_b) * set(kShrink);
+    lower = hn::Max(lower, lower_b);
+
+    // The slabs: those of the four against the one box, then the other way round.
+    float q[3];
+    for (int j = 0; j < 3; ++j) {
+        q[j] = r[0][j] * (single.centre[0][single_lane] - view.offset[0]) +
+               r[1][j] * (single.centre[1][single_lane] - view.offset[1]) +
+               r[2][j] * (single.centre[2][single_lane] - view.offset[2]);
+    }
+    const V n[3] = {load(node.slab_normal[0]), load(node.slab_normal[1]), load(node.slab_normal[2])};
+    const auto dot = [&](float x, float y, float z) HWY_ATTR {
+        return hn::MulAdd(n[0], set(x), hn::MulAdd(n[1], set(y), n[2] * set(z)));
+    };
+    V slab_radii = load(node.slab_half) + margin;
+    for (int i = 0; i < 3; ++i)
+        slab_radii = hn::MulAdd(hn::Abs(dot(r[i][0], r[i][1], r[i][2])), set(a[i]), slab_radii);
+    V slab_gap = hn::Abs(dot(q[0], q[1], q[2]) - load(node.slab_centre)) - slab_radii;
+
+    const float m[3] = {single.slab_normal[0][single_lane], single.slab_normal[1][single_lane],
+                        single.slab_normal[2][single_lane]};
+    float turned[3];
+    for (int j = 0; j < 3; ++j) turned[j] = m[0] * r[0][j] + m[1] * r[1][j] + m[2] * r[2][j];
+    const float start = m[0] * view.offset[0] + m[1] * view.offset[1] + m[2] * view.offset[2] -
+                        single.slab_centre[single_lane];
+    const V along_m = hn::MulAdd(set(turned[0]), c[0],
+                                 hn::MulAdd(set(turned[1]), c[1], hn::MulAdd(set(turned[2]), c[2], set(start))));
+    const V radii_m = hn::MulAdd(
+        set(std::abs(turned[0])), h[0],
+        hn::MulAdd(set(std::abs(turned[1])), h[1],
+                   hn::MulAdd(set(std::abs(turned[2])), h[2],
+                              set(single.slab_half[single_lane] + view.margin))));
+    slab_gap = hn::Max(hn::Max(slab_gap, hn::Abs(along_m) - radii_m), zero);
+    lower = hn::Max(lower, slab_gap * slab_gap) * set(kShrink);
     const V limits = set(limit);
     if (hn::AllTrue(d, lower > limits)) return;
     V best = zero;
