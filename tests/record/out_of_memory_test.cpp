@@ -1,6 +1,6 @@
 #include "config/failing_allocation.h"
-#include "record/assembly.h"
 #include "support/owned_scene.h"
+#include "support/scene.h"
 #include "support/scene_content.h"
 #include "tools/temporary_folder.h"
 
@@ -51,14 +51,15 @@ void FailAtEachAllocation(const std::function<void()>& work, const std::function
 TEST(OutOfMemory, LeavesTheOlderFileAndNothingElse) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("scene.xml", "older");
-    test::Assembly assembly;
-    assembly.Add(1, 1, "a name too long for small strings", 5, {test::BoxMesh(0, 0, 0, 1, 1, 1)});
-    assembly.Add(2, 2, "<b>", 5, {test::BoxMesh(0, 0, 0, 1, 1, 1)});
-    assembly.clearances->ConfigAllCouples({true, 0.1});
+    test::Scene scene;
+    ICollisionElement* const box = scene.AddElement(test::BoxMesh(0, 0, 0, 1, 1, 1));
+    scene.Add(1, 1, "a name too long for small strings", 5, {box});
+    scene.Add(2, 2, "<b>", 5, {box});
+    scene.Clearances().ConfigAllCouples({true, 0.1});
     const auto recorder = make_unique_recorder();
-    FailAtEachAllocation([&] { recorder->Store(assembly.clearances.get(), path); },
+    FailAtEachAllocation([&] { recorder->Store(&scene.Clearances(), path); },
                          [&] {
-                             EXPECT_EQ(test::FileText(path), "older");
+                             EXPECT_EQ(program::FileText(path), "older");
                              EXPECT_EQ(folder.FileCount(), 1U);
                          });
     IProximityConfiguration* retrieved = nullptr;
@@ -68,7 +69,7 @@ TEST(OutOfMemory, LeavesTheOlderFileAndNothingElse) {
                              [&] { EXPECT_EQ(retrieved, nullptr); });
     });
     const test::OwnedScene<IProximityConfiguration> owned(retrieved);
-    EXPECT_TRUE(owned && ContentOf(*owned) == ContentOf(*assembly.clearances));
+    EXPECT_TRUE(owned && ContentOf(*owned) == ContentOf(scene.Clearances()));
 }
 
 }  // namespace

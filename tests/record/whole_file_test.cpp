@@ -1,6 +1,5 @@
 #include "record/whole_file.h"
 
-#include "record/assembly.h"
 #include "tools/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +14,8 @@ namespace tarn::details {
 namespace {
 
 namespace fs = std::filesystem;
+using program::FileText;
 using program::TemporaryFolder;
-using test::FileText;
 
 std::error_code WriteNew(const fs::path& target) {
     return WriteWholeFile(target, [](std::ostream& stream) { stream << "new"; });

@@ -39,6 +39,22 @@ Mesh StarMesh(int rings, const std::function<double(double polar, double azimuth
     return mesh;
 }
 
+/// Triangles whose vertices lie around their centres, all times `scale`.
+template <typename Distribution>
+Mesh SoupOf(
+    std::mt19937_64& random, std::size_t count, Distribution& centre, Distribution& offset, double scale) {
+    Mesh mesh;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::array c{centre(random), centre(random), centre(random)};
+        std::array<Point, 3> vertices;
+        for (Point& vertex : vertices) {
+            for (std::size_t axis = 0; axis < 3; ++axis) vertex[axis] = scale * (c[axis] + offset(random));
+        }
+        mesh.push_back(TriangleOf(vertices[0], vertices[1], vertices[2]));
+    }
+    return mesh;
+}
+
 }  // namespace
 
 Mesh BoxMesh(double min_x, double min_y, double min_z, double max_x, double max_y, double max_z) {
@@ -85,36 +101,13 @@ Mesh GridMesh(double size, int cells) {
 Mesh TriangleSoup(std::mt19937_64& random, std::size_t count, double spread, double size) {
     std::uniform_real_distribution<double> centre(-spread, spread);
     std::uniform_real_distribution<double> offset(-size / 2, size / 2);
-    Mesh mesh;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Point c{centre(random), centre(random), centre(random)};
-        const auto vertex = [&]() -> Point {
-            return {c[0] + offset(random), c[1] + offset(random), c[2] + offset(random)};
-        };
-        const Point v0 = vertex();
-        const Point v1 = vertex();
-        const Point v2 = vertex();
-        mesh.push_back(TriangleOf(v0, v1, v2));
-    }
-    return mesh;
+    return SoupOf(random, count, centre, offset, 1.0);
 }
 
 Mesh LatticeSoup(std::mt19937_64& random, std::size_t count, int spread, double step) {
     std::uniform_int_distribution<int> centre(-spread, spread);
     std::uniform_int_distribution<int> offset(-2, 2);
-    Mesh mesh;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::array<int, 3> c{centre(random), centre(random), centre(random)};
-        const auto vertex = [&]() -> Point {
-            return {step * (c[0] + offset(random)), step * (c[1] + offset(random)),
-                    step * (c[2] + offset(random))};
-        };
-        const Point v0 = vertex();
-        const Point v1 = vertex();
-        const Point v2 = vertex();
-        mesh.push_back(TriangleOf(v0, v1, v2));
-    }
-    return mesh;
+    return SoupOf(random, count, centre, offset, step);
 }
 
 }  // namespace tarn::test

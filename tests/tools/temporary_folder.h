@@ -11,6 +11,11 @@
 
 namespace tarn::program {
 
+inline std::string FileText(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 /// A folder for one test case, removed with all it holds. Cases of one binary may run beside each other as
 /// processes.
 class TemporaryFolder final {
@@ -29,6 +34,7 @@ public:
     }
 
     std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+    std::string Path(std::string_view name) const { return (path_ / name).string(); }
 
     /// Writes a file and returns its path.
     std::string Write(std::string_view name, std::string_view content) const {
