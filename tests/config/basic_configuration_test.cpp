@@ -21,7 +21,6 @@
 #include <limits>
 #include <memory>
 #include <random>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,6 +52,15 @@ std::uint64_t Key(const ICollisionBody* x, const ICollisionBody* y) {
 
 auto IsOf(const ICollisionBody* x, const ICollisionBody* y) {
     return [key = Key(x, y)](const Couple& couple) { return Key(couple.first, couple.second) == key; };
+}
+
+/// Those of the couples that have a body with this one's identifier.
+Couples CouplesWith(const ICollisionBody* body, const Couples& couples) {
+    Couples found;
+    std::ranges::copy_if(couples, std::back_inserter(found), [id = body->GetId()](const Couple& couple) {
+        return couple.first->GetId() == id || couple.second->GetId() == id;
+    });
+    return found;
 }
 
 /// The rules of a configuration of either kind written down one by one, on plain lists. What leaves a list
@@ -269,12 +277,9 @@ protected:
         ASSERT_EQ(configuration.RetrieveCouplesCount(), model.couples.size());
         ASSERT_EQ(CouplesOf(configuration), model.couples);
         for (ICollisionBody* body : all_bodies) {
-            Couples expected;
-            std::ranges::copy_if(model.couples, std::back_inserter(expected), [body](const Couple& couple) {
-                return couple.first->GetId() == body->GetId() || couple.second->GetId() == body->GetId();
-            });
             std::vector<Record> of_body(2);
-            ASSERT_EQ(CouplesOf(configuration.RetrieveCouples(of_body, body)), expected);
+            ASSERT_EQ(CouplesOf(configuration.RetrieveCouples(of_body, body)),
+                      CouplesWith(body, model.couples));
             for (ICollisionBody* other : all_bodies) {
                 const auto [answer, clearance] = StateOf(configuration, body, other);
                 const auto [expected_answer, expected_clearance] = StateOf(model, body, other);
@@ -375,61 +380,44 @@ TYPED_TEST(BasicConfigurationTest, RefusesWhatItCannotUseBeforeAnyChange) {
     test::ForeignBody foreign(2);
     typename TypeParam::Foreign foreign_configuration;
     std::vector<typename TypeParam::Record> out(5);
-    const std::string null = "NullPointerException";
-    const std::string foreign_body =
-        "BadCastException: Could not recognize ICollisionBody as its internal implementation class "
-        "(CollisionBody)";
     const std::string foreign_class = std::string("BadCastException: Could not recognize I") +
                                       TypeParam::kName + " as its internal implementation class (" +
                                       TypeParam::kName + ")";
-    std::vector<std::pair<std::function<void()>, std::string>> calls{
-        {[&] { c.AddElement(nullptr); }, null},
-        {[&] { c.AddElement(nullptr, on); }, null},
-        {[&] { c.AddElement(nullptr, off); }, null},
-        {[&] { c.RemoveElement(nullptr); }, null},
-        {[&] { c.ConfigCouple(one, nullptr, on); }, null},
-        {[&] { c.ConfigCouple(nullptr, one, off); }, null},
-        {[&] { c.ConfigElementAgainstAll(nullptr, off); }, null},
-        {[&] { (void)c.CoupleIsEnable(one, nullptr); }, null},
-        {[&] { (void)c.CoupleIsEnable(nullptr, one); }, null},
-        {[&] { c.RetrieveCouples(out, nullptr); }, null},
-        {[&] { c.MergeConfiguration(nullptr, on, 0); }, null},
-        {[&] { c.AppendDistinctConfiguration(nullptr, 0); }, null},
-        {[&] { c.AddElement(&foreign); }, foreign_body},
-        {[&] { c.AddElement(&foreign, on); }, foreign_body},
-        {[&] { c.AddElement(&foreign, off); }, foreign_body},
-        {[&] { c.MergeConfiguration(&foreign_configuration, on, 0); }, foreign_class},
-        {[&] { c.AppendDistinctConfiguration(&foreign_configuration, 0); }, foreign_class}};
+    std::vector<std::pair<std::string, std::vector<std::function<void()>>>> refused{
+        {"NullPointerException",
+         {[&] { c.AddElement(nullptr); }, [&] { c.AddElement(nullptr, on); },
+          [&] { c.AddElement(nullptr, off); }, [&] { c.RemoveElement(nullptr); },
+          [&] { c.ConfigCouple(one, nullptr, on); }, [&] { c.ConfigCouple(nullptr, one, off); },
+          [&] { c.ConfigElementAgainstAll(nullptr, off); }, [&] { (void)c.CoupleIsEnable(one, nullptr); },
+          [&] { (void)c.CoupleIsEnable(nullptr, one); }, [&] { c.RetrieveCouples(out, nullptr); },
+          [&] { c.MergeConfiguration(nullptr, on, 0); }, [&] { c.AppendDistinctConfiguration(nullptr, 0); }}},
+        {"BadCastException: Could not recognize ICollisionBody as its internal implementation class "
+         "(CollisionBody)",
+         {[&] { c.AddElement(&foreign); }, [&] { c.AddElement(&foreign, on); },
+          [&] { c.AddElement(&foreign, off); }}},
+        {foreign_class,
+         {[&] { c.MergeConfiguration(&foreign_configuration, on, 0); },
+          [&] { c.AppendDistinctConfiguration(&foreign_configuration, 0); }}}};
     if constexpr (TypeParam::kHasClearances) {
-        const std::string negative = "InvalidArgumentException: Parameter can't be negative: clearance";
-        const double least = -std::numeric_limits<double>::denorm_min();
-        calls.insert(calls.end(), {{[&] {
-                                        c.ConfigCouple(one, nullptr, {true, -1.0});
-                                    },
-                                    null},
-                                   {[&] {
-                                        c.ConfigCouple(one, one, {true, least});
-                                    },
-                                    negative},
-                                   {[&] {
-                                        c.ConfigCouple(one, one, {false, -1.0});
-                                    },
-                                    negative},
-                                   {[&] {
-                                        c.ConfigCouple(&foreign, one, {true, -1.0});
-                                    },
-                                    negative}});
+        const ProximitySetting below{true, -std::numeric_limits<double>::denorm_min()};
+        refused[0].second.push_back([&] { c.ConfigCouple(one, nullptr, below); });
+        refused.push_back(
+            {"InvalidArgumentException: Parameter can't be negative: clearance",
+             {[&] { c.ConfigCouple(one, one, below); }, [&] { c.ConfigCouple(&foreign, one, below); },
+              [&] { c.ConfigCouple(one, one, ProximitySetting(false, -1.0)); }}});
     }
-    for (const auto& [call, text] : calls) {
-        std::string thrown;
-        try {
-            call();
-        } catch (const Exception& exception) {
-            thrown = exception.displayText();
+    for (const auto& [text, calls] : refused) {
+        for (const auto& call : calls) {
+            std::string thrown;
+            try {
+                call();
+            } catch (const Exception& exception) {
+                thrown = exception.displayText();
+            }
+            EXPECT_EQ(thrown, text) << "call " << &call - &calls[0];
+            EXPECT_EQ(c.RetrieveElements(), this->bodies_);
+            EXPECT_EQ(this->CouplesOf(c), before);
         }
-        EXPECT_EQ(thrown, text) << "call " << &call - &calls[0].first;
-        EXPECT_EQ(c.RetrieveElements(), this->bodies_);
-        EXPECT_EQ(this->CouplesOf(c), before);
     }
     EXPECT_EQ(out.size(), 5U) << "the caller's vector stays as it was";
 
@@ -472,23 +460,14 @@ TYPED_TEST(BasicConfigurationTest, KeepsTheOrderOfManyCouples) {
 TYPED_TEST(BasicConfigurationTest, CollectsAndUpdatesInManyTasks) {
     this->AddBodies(2500, 1000, 30);
     auto& configuration = this->configuration_;
-    for (std::size_t i = 0; i < this->owned_.size(); ++i)
-        this->owned_[i]->SetMatrix(test::Translation(static_cast<double>(i) + 1, 0, 0));
-    const AnySetting on{{true, 0.0}};
-    for (std::uint64_t owner = 0; owner < 30; ++owner) configuration.ConfigInterOwners(owner, 7, on);
+    for (const auto& body : this->owned_) body->SetMatrix(test::Translation(body->GetId(), 0, 0));
     configuration.UpdateBodies();
-    for (std::size_t i = 0; i < this->owned_.size(); ++i)
-        ASSERT_EQ(this->owned_[i]->CurrentMatrix()[3], static_cast<double>(i) + 1);
+    for (const auto& body : this->owned_) ASSERT_EQ(body->CurrentMatrix()[3], body->GetId());
 
-    const Couples couples = this->CouplesOf(configuration);
-    std::set<std::uint64_t> keys;
-    for (const Couple& couple : couples) keys.insert(Key(couple.first, couple.second));
-    EXPECT_EQ(keys.size(), configuration.RetrieveCouplesCount());
+    for (std::uint64_t owner = 0; owner < 30; ++owner)
+        configuration.ConfigInterOwners(owner, 7, AnySetting{{true, 0.0}});
     ICollisionBody* const seven = this->bodies_[7];
-    Couples expected;
-    std::ranges::copy_if(couples, std::back_inserter(expected), [seven](const Couple& couple) {
-        return couple.first == seven || couple.second == seven;
-    });
+    const Couples expected = CouplesWith(seven, this->CouplesOf(configuration));
     EXPECT_EQ(expected.size(), 2500U) << "with itself, too";
     std::vector<typename TypeParam::Record> out;
     for (int round = 0; round < 200; ++round) {
