@@ -2,7 +2,9 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box_distance.h"
+#include "detect/relative_frame.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -18,9 +20,13 @@ namespace {
 /// is nearer than the boxes that hold its boxes, to the last bit (see core/box_distance.h).
 class CentreSearch {
 public:
-    CentreSearch(const AABBHierarchy& first, const AABBHierarchy& second, double bound)
+    CentreSearch(const AABBHierarchy& first,
+                 const AABBHierarchy& second,
+                 double bound,
+                 const RelativeFrame* frame)
         : first_(first),
           second_(second),
+          frame_(frame),
           best_(bound) {}
 
     double Run() {
@@ -105,6 +111,8 @@ private:
     void Push(Reach reach, const Node& a, const Node& b) {
         const double nearest = Nearest(reach, a, b);
         if (nearest >= best_) return;
+        // No centre leaves its box, turned as the box is.
+        if (frame_ && reach == Reach::Both && frame_->SubtreesAreFartherThan(std::sqrt(best_), a, b)) return;
         pending_.push_back({reach, &a, &b, nearest});
     }
 
@@ -128,6 +136,7 @@ private:
 
     const AABBHierarchy& first_;
     const AABBHierarchy& second_;
+    const RelativeFrame* frame_;  ///< null where nothing is to be left out but by world boxes
     double best_;
     std::vector<Work> pending_;
 };
@@ -136,7 +145,14 @@ private:
 
 double TightenBound(const AABBHierarchy& first, const AABBHierarchy& second, double bound) {
     // Nothing is below 0, and nothing compares with NaN.
-    return bound > 0.0 ? CentreSearch(first, second, bound).Run() : bound;
+    return bound > 0.0 ? CentreSearch(first, second, bound, nullptr).Run() : bound;
+}
+
+double TightenBound(const AABBHierarchy& first,
+                    const AABBHierarchy& second,
+                    double bound,
+                    const RelativeFrame& frame) {
+    return bound > 0.0 ? CentreSearch(first, second, bound, &frame).Run() : bound;
 }
 
 }  // namespace tarn::details

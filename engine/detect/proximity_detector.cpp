@@ -5,6 +5,7 @@
 #include "detect/check_preparation.h"
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
+#include "detect/nearest_search.h"
 #include "detect/policy_check.h"
 #include "detect/proximity_search.h"
 
@@ -15,20 +16,22 @@ namespace tarn::details {
 
 namespace {
 
-/// Touching couples are not reported.
-bool IsReported(const ProximityOutcome& outcome) {
-    return outcome.state == ProximityState::Intersecting || outcome.state == ProximityState::WithinClearance;
+/// What is to be reported of a couple.
+std::optional<ProximityFinding> Find(const ProximityKeyBodyPair& couple, Filters filters) {
+    const AABBHierarchy& first = *couple.First()->Hierarchy();
+    const AABBHierarchy& second = *couple.Second()->Hierarchy();
+    if (filters == Filters::On) return FindWithinClearance(first, second, couple.Clearance());
+    const ProximityFinding finding = SearchProximity(first, second, couple.Clearance());
+    return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
 }
 
 /// Measures all couples, or until the first one to be reported.
 std::vector<CoupleHit<ProximityFinding>> CheckCouples(const ProximityCoupleTable& couples,
-                                                      const Procedure& procedure) {
+                                                      const Procedure& procedure,
+                                                      Filters filters) {
     return FindInCouples<ProximityFinding>(
-        couples, procedure.stops_at_first_hit, [](const ProximityKeyBodyPair& couple) {
-            const ProximityFinding finding = SearchProximity(
-                *couple.First()->Hierarchy(), *couple.Second()->Hierarchy(), couple.Clearance());
-            return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
-        });
+        couples, procedure.stops_at_first_hit,
+        [filters](const ProximityKeyBodyPair& couple) { return Find(couple, filters); });
 }
 
 ProximityPairResult PairResultOf(const ProximityKeyBodyPair& couple,
@@ -51,13 +54,16 @@ ProximityPairResult PairResultOf(const ProximityKeyBodyPair& couple,
 bool ProximityDetector::Check(IProximityConfiguration& configuration) {
     configuration.UpdateBodies();
     const auto& couples = PrepareCouples<IProximityPairsProvider>(configuration);
-    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop)).empty();
+    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop), filters_).empty();
 }
 
 ProximityResult& ProximityDetector::Check(ProximityResult& result,
                                           IProximityConfiguration& configuration,
                                           CheckPolicy policy) {
-    return CheckByPolicy<IProximityPairsProvider>(result, configuration, policy, CheckCouples, PairResultOf);
+    const auto check_couples = [this](const ProximityCoupleTable& couples, const Procedure& procedure) {
+        return CheckCouples(couples, procedure, filters_);
+    };
+    return CheckByPolicy<IProximityPairsProvider>(result, configuration, policy, check_couples, PairResultOf);
 }
 
 void ProximityDetector::Dump(IProximityConfiguration& configuration, DumpType type, std::ostream& stream) {

@@ -4,7 +4,7 @@
 #include "config/proximity_body_pair.h"
 #include "detect/check_preparation.h"
 #include "detect/couple_loop.h"
-#include "detect/proximity_search.h"
+#include "detect/nearest_search.h"
 
 #include <optional>
 
@@ -20,7 +20,7 @@ using details::RequireOwnClass;
 namespace {
 
 ProximityOutcome Measure(const CollisionBody& first, const CollisionBody& second, double clearance) {
-    return details::SearchProximity(*first.Hierarchy(), *second.Hierarchy(), clearance).outcome;
+    return details::SearchProximityFast(*first.Hierarchy(), *second.Hierarchy(), clearance).outcome;
 }
 
 bool IsKept(const ProximityOutcome& outcome) {

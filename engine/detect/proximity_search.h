@@ -1,25 +1,20 @@
 #pragma once
 
-#include "detect/leaf_test.h"
-
-#include "tarn/proximity_outcome.h"
+#include "detect/proximity_finding.h"
 
 namespace tarn::details {
 
 class AABBHierarchy;
 
-/// The outcome for one couple, and the triangles between which its distance was measured, if it was.
-struct ProximityFinding {
-    ProximityOutcome outcome;
-    TriangleHit triangles;
-};
-
-/// Searches for the distance of two hierarchies at their current placements:
+/// Searches for the distance of two hierarchies at their current placements. This is the rule; what is faster
+/// finds the same (see `FindNearest`).
 ///  (1) The bound starts at the squared clearance and is tightened (see `TightenBound`).
 ///  (2) Leaf pairs, in traversal order (see `VisitLeafPairs`), are retained where their boxes are nearer than
 ///      the bound. Where the bound is not above 0, which retains none, those whose boxes overlap are still
-///      tested for intersection. The first intersecting triangle pair ends the search.
-///  (3) The retained leaf pairs are measured (see `CandidateEvaluation`); the nearest wins.
+///      tested for intersection. The first intersecting triangle pair ends the search; leaves that are shown
+///      apart are not tested (see `RelativeFrame`).
+///  (3) The retained leaf pairs are measured (see `LeafDistance`), but for those in which triangles touch; the
+///      nearest wins, the first one in traversal order if several are.
 /// The clearance is taken as it stands: negative ones count by their square, NaN makes a bound that retains
 /// nothing. Safe from any thread.
 ProximityFinding SearchProximity(const AABBHierarchy& first, const AABBHierarchy& second, double clearance);

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace tarn::details {
 
@@ -43,9 +45,30 @@ double WorldReach(const MATRIX& placement, const Box& local) {
     return Sum(far) + std::max({std::abs(placement[3]), std::abs(placement[7]), std::abs(placement[11])});
 }
 
+struct Range {
+    double min = std::numeric_limits<double>::infinity();
+    double max = -std::numeric_limits<double>::infinity();
+};
+
+/// Where a leaf's triangles lie along a direction, each point mapped before.
+template <typename Map>
+Range RangeOf(const AABBHierarchyNode& leaf, const Vector3& direction, Map map) {
+    Range range;
+    for (const Triangle& triangle : leaf.LocalTriangles()) {
+        for (const Vector3& vertex : {Vertex0(triangle), Vertex1(triangle), Vertex2(triangle)}) {
+            const double along = Dot(direction, map(vertex));
+            range.min = std::min(range.min, along);
+            range.max = std::max(range.max, along);
+        }
+    }
+    return range;
+}
+
 }  // namespace
 
-RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& second) {
+RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& second)
+    : first_(first),
+      second_(second) {
     const MATRIX& to_first = first.Placement();
     const MATRIX& to_second = second.Placement();
     first_origin_ = first.Wide().Origin();
@@ -81,10 +104,7 @@ bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double
     const auto across = [](double x, double y, double z, const Vector3& v) {
         return x * v.x + y * v.y + z * v.z;
     };
-    Vector3 t = offset_ - first_centre;
-    t.x += across(r[0][0], r[0][1], r[0][2], second_centre);
-    t.y += across(r[1][0], r[1][1], r[1][2], second_centre);
-    t.z += across(r[2][0], r[2][1], r[2][2], second_centre);
+    const Vector3 t = ToFirst(second_centre) - first_centre;
 
     double s[3][3];
     for (int i = 0; i < 3; ++i) {
@@ -110,6 +130,42 @@ bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double
         }
     }
     return false;
+}
+
+Vector3 RelativeFrame::ToFirst(const Vector3& point) const {
+    const auto& r = rotation_;
+    return {offset_.x + (r[0][0] * point.x + r[0][1] * point.y + r[0][2] * point.z),
+            offset_.y + (r[1][0] * point.x + r[1][1] * point.y + r[1][2] * point.z),
+            offset_.z + (r[2][0] * point.x + r[2][1] * point.y + r[2][2] * point.z)};
+}
+
+Vector3 RelativeFrame::ToSecond(const Vector3& point) const {
+    const auto& r = rotation_;
+    const Vector3 p = point - offset_;
+    return {r[0][0] * p.x + r[1][0] * p.y + r[2][0] * p.z, r[0][1] * p.x + r[1][1] * p.y + r[2][1] * p.z,
+            r[0][2] * p.x + r[1][2] * p.y + r[2][2] * p.z};
+}
+
+bool RelativeFrame::SlabsAreApart(const AABBHierarchyNode& first_leaf,
+                                  const AABBHierarchyNode& second_leaf) const {
+    if (!is_rigid_) return false;
+    bool are_apart = false;
+    const auto look_along = [&](const Range& range, const Range& other) {
+        are_apart = are_apart || other.min - range.max > leaf_margin_ || range.min - other.max > leaf_margin_;
+    };
+    const auto first_points = [&](const Vector3& point) { return point - first_origin_; };
+    const auto second_points = [&](const Vector3& point) { return point - second_origin_; };
+    const auto first_index = static_cast<std::uint32_t>(&first_leaf - &first_.Root());
+    const auto second_index = static_cast<std::uint32_t>(&second_leaf - &second_.Root());
+    first_.Wide().VisitSlabNormalsAbove(first_index, [&](const Vector3& normal) {
+        look_along(RangeOf(first_leaf, normal, first_points),
+                   RangeOf(second_leaf, normal, [&](const Vector3& p) { return ToFirst(second_points(p)); }));
+    });
+    second_.Wide().VisitSlabNormalsAbove(second_index, [&](const Vector3& normal) {
+        look_along(RangeOf(second_leaf, normal, second_points),
+                   RangeOf(first_leaf, normal, [&](const Vector3& p) { return ToSecond(first_points(p)); }));
+    });
+    return are_apart;
 }
 
 }  // namespace tarn::details

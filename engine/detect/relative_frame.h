@@ -11,6 +11,8 @@ namespace tarn::details {
 /// their nine cross products (S. Gottschalk, M. C. Lin, D. Manocha, "OBBTree", 1996). All boxes of a tree
 /// point the same way, so the rotation between them is computed once.
 ///
+/// Thin directions of the triangles themselves come on top: the normals of slabs.
+///
 /// The tests err on one side only: boxes shown apart are apart, and so are all triangles within, as they
 /// stand in world coordinates with all their rounding. Three things come between the formulas and that, each
 /// with its share in a margin. Let U bound how far points of the two trees lie from each other, W the
@@ -36,14 +38,24 @@ public:
     /// reasonable range, where single precision overflows.
     bool IsRigid() const { return is_rigid_; }
 
-    /// Whether two leaves, one of each tree, are shown to lie apart. Their triangles are not tested then: that
-    /// is part of what an intersection is, for searches of all kinds.
+    /// Whether two leaves, one of each tree, are shown to lie apart: their boxes, or their triangles along the
+    /// normal of a slab above one of them (see `WideNode`). Their triangles are not tested then: that is part
+    /// of what an intersection is, for searches of all kinds.
     bool LeavesAreApart(const AABBHierarchyNode& first_leaf, const AABBHierarchyNode& second_leaf) const {
-        return AreApart(first_leaf.LocalBox(), second_leaf.LocalBox(), leaf_margin_);
+        return AreApart(first_leaf.LocalBox(), second_leaf.LocalBox(), leaf_margin_) ||
+               SlabsAreApart(first_leaf, second_leaf);
     }
-    /// Whether all leaves below the two nodes are.
+    /// Whether the boxes of two nodes are, and so all leaves below.
     bool SubtreesAreApart(const AABBHierarchyNode& first_node, const AABBHierarchyNode& second_node) const {
         return AreApart(first_node.LocalBox(), second_node.LocalBox(), 2.0 * leaf_margin_);
+    }
+
+    /// Whether everything below the two nodes is shown to lie farther apart than `distance`, triangles and
+    /// centres of boxes.
+    bool SubtreesAreFartherThan(double distance,
+                                const AABBHierarchyNode& first_node,
+                                const AABBHierarchyNode& second_node) const {
+        return AreApart(first_node.LocalBox(), second_node.LocalBox(), distance + 2.0 * leaf_margin_);
     }
 
     /// Column j is the second frame's axis j in the first frame.
@@ -57,7 +69,13 @@ public:
 
 private:
     bool AreApart(const Box& first_box, const Box& second_box, double margin) const;
+    bool SlabsAreApart(const AABBHierarchyNode& first_leaf, const AABBHierarchyNode& second_leaf) const;
+    /// Into the other frame, relative to the origins of both.
+    Vector3 ToFirst(const Vector3& point) const;
+    Vector3 ToSecond(const Vector3& point) const;
 
+    const AABBHierarchy& first_;
+    const AABBHierarchy& second_;
     double rotation_[3][3];
     Vector3 offset_;
     Vector3 first_origin_;

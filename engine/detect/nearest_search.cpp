@@ -1,0 +1,217 @@
+#include "detect/nearest_search.h"
+
+#include "core/aabb_hierarchy.h"
+#include "core/box_distance.h"
+#include "detect/bound_tightening.h"
+#include "detect/crossing_search.h"
+#include "detect/leaf_distance.h"
+#include "detect/proximity_search.h"
+#include "detect/relative_frame.h"
+#include "detect/traversal_order.h"
+#include "detect/wide_search.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <mutex>
+
+namespace tarn::details {
+
+namespace {
+
+/// The best so far, for all threads of a search.
+class Nearest {
+public:
+    /// Distances above `best`, squared, are of no interest.
+    Nearest(const AABBHierarchy& first, const AABBHierarchy& second, double best, double slack)
+        : first_(first),
+          second_(second),
+          best_(best),
+          slack_(slack),
+          limit_(LimitFor(best)) {}
+
+    double Best() const { return best_.load(std::memory_order_relaxed); }
+    SearchLimit& Limit() { return limit_; }
+
+    void Add(const NearestTriangles& measured) {
+        if (!measured.is_valid && !measured.touches) return;
+        const std::lock_guard lock(access_);
+        const bool touches = nearest_.touches || measured.touches;
+        if (Wins(measured)) {
+            nearest_ = measured;
+            best_.store(measured.distance_squared, std::memory_order_relaxed);
+            limit_.LowerTo(LimitFor(measured.distance_squared));
+        }
+        nearest_.touches = touches;
+    }
+
+    const NearestTriangles& Result() const { return nearest_; }
+
+private:
+    /// Touching leaf pairs have to be met whatever the best is.
+    double LimitFor(double best) const { return std::max(best, kTouchDistanceSquared) + slack_; }
+
+    bool Wins(const NearestTriangles& measured) const {
+        if (!measured.is_valid || !nearest_.is_valid) return measured.is_valid;
+        return measured.distance_squared < nearest_.distance_squared ||
+               (measured.distance_squared == nearest_.distance_squared &&
+                ComesBefore(first_, second_, measured.leaves, nearest_.leaves));
+    }
+
+    const AABBHierarchy& first_;
+    const AABBHierarchy& second_;
+    std::mutex access_;
+    NearestTriangles nearest_;
+    std::atomic<double> best_;
+    double slack_;
+    SearchLimit limit_;
+};
+
+/// The search for one couple. None of the trees is empty.
+class Search {
+public:
+    Search(const AABBHierarchy& first, const AABBHierarchy& second, double clearance_squared)
+        : first_(first),
+          second_(second),
+          clearance_squared_(clearance_squared),
+          frame_(first, second),
+          leaf_distance_(first, second, clearance_squared) {}
+
+    bool IsRigid() const { return frame_.IsRigid(); }
+
+    /// Everything there is to know.
+    ProximityFinding Measure() {
+        const Crossings crossings = SearchCrossings(first_, second_, frame_);
+        if (crossings.found) return FindingOfCrossing(clearance_squared_);
+        const double bound = TightenBound(first_, second_, clearance_squared_, frame_);
+        if (AnyWithin(crossings.beside_boxes, bound)) return FindingOfCrossing(clearance_squared_);
+        if (!(bound > 0.0)) return FindingOf({}, clearance_squared_, bound, 0);
+        NearestTriangles nearest = NearestWithin(bound);
+        const bool is_beyond = nearest.is_valid && nearest.distance_squared > clearance_squared_;
+        const std::uint64_t retained_count =
+            CountRetained(bound, is_beyond || !nearest.is_valid ? &nearest.has_unknown : nullptr);
+        return FindingOf(nearest, clearance_squared_, bound, retained_count);
+    }
+
+    std::optional<ProximityFinding> FindWithinClearance() {
+        const Crossings crossings = SearchCrossings(first_, second_, frame_);
+        if (crossings.found) return FindingOfCrossing(clearance_squared_);
+        if (!crossings.beside_boxes.empty() &&
+            AnyWithin(crossings.beside_boxes, TightenBound(first_, second_, clearance_squared_, frame_)))
+            return FindingOfCrossing(clearance_squared_);
+        // Where this holds not, nothing is retained.
+        if (!(clearance_squared_ > 0.0)) return std::nullopt;
+
+        const NearestTriangles nearest = NearestUpTo(clearance_squared_);
+        if (!nearest.is_valid || nearest.distance_squared > clearance_squared_) return std::nullopt;
+        // The nearest of all is the answer if it is retained: if no centres are nearer than its boxes.
+        const double needed = BoxDistance(nearest.leaves);
+        const double bound =
+            TightenBound(first_, second_, std::min(clearance_squared_, JustAbove(needed)), frame_);
+        if (IsWithin(needed, bound)) return FindingOf(nearest, clearance_squared_, bound, 1);
+        if (!(bound > 0.0)) return std::nullopt;
+        const NearestTriangles retained = NearestWithin(bound);
+        if (!retained.is_valid || retained.distance_squared > clearance_squared_) return std::nullopt;
+        return FindingOf(retained, clearance_squared_, bound, 1);
+    }
+
+private:
+    static double JustAbove(double value) {
+        return std::nextafter(value, std::numeric_limits<double>::infinity());
+    }
+
+    double BoxDistance(const NodePair& pair) const {
+        return BoxDistanceSquared(first_.WorldBox(*pair.first), second_.WorldBox(*pair.second));
+    }
+
+    bool AnyWithin(const std::vector<NodePair>& pairs, double bound) const {
+        return std::ranges::any_of(
+            pairs, [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); });
+    }
+
+    /// The nearest triangles of all leaf pairs, if they are not beyond the clearance.
+    NearestTriangles NearestUpTo(double clearance_squared) {
+        Nearest nearest(first_, second_, std::max(clearance_squared, kTouchDistanceSquared),
+                        leaf_distance_.Slack());
+        VisitNearLeafPairs(first_, second_, frame_, nearest.Limit(), [&](const NodePair& leaves) {
+            nearest.Add(leaf_distance_.Measure(leaves, nearest.Best(), Filters::On));
+        });
+        return nearest.Result();
+    }
+
+    /// The nearest triangles of the leaf pairs that are retained.
+    NearestTriangles NearestWithin(double bound) {
+        Nearest nearest(first_, second_, std::numeric_limits<double>::infinity(), leaf_distance_.Slack());
+        VisitNearLeafPairs(first_, second_, frame_, nearest.Limit(), [&](const NodePair& leaves) {
+            if (!IsWithin(BoxDistance(leaves), bound)) return;
+            nearest.Add(leaf_distance_.Measure(leaves, nearest.Best(), Filters::On));
+        });
+        return nearest.Result();
+    }
+
+    /// The number of leaf pairs that are retained. Where `has_unknown` is given, it is set if a distance
+    /// between them is no number and may lie within the clearance.
+    std::uint64_t CountRetained(double bound, bool* has_unknown) const {
+        std::uint64_t count = 0;
+        VisitLeafPairs(
+            first_, second_, [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); },
+            [&](const NodePair& leaves) {
+                ++count;
+                if (has_unknown && !*has_unknown && MayBeUnknown(leaves))
+                    *has_unknown = leaf_distance_.Measure(leaves, clearance_squared_, Filters::Off).has_unknown;
+                return false;
+            });
+        return count;
+    }
+
+    /// Whether the leaves have a triangle without area, from which alone a distance can be no number.
+    bool MayBeUnknown(const NodePair& leaves) const {
+        const auto has_no_area = [](const Triangle& triangle) {
+            const EdgeForm edges(triangle);
+            const double b = Dot(edges.edge0, edges.edge1);
+            const double area = Dot(edges.edge0, edges.edge0) * Dot(edges.edge1, edges.edge1) - b * b;
+            return !(std::abs(area) > 0.0) || !(std::abs(area) < std::numeric_limits<double>::infinity());
+        };
+        return std::ranges::any_of(first_.WorldTriangles(*leaves.first), has_no_area) ||
+               std::ranges::any_of(second_.WorldTriangles(*leaves.second), has_no_area);
+    }
+
+    const AABBHierarchy& first_;
+    const AABBHierarchy& second_;
+    double clearance_squared_;
+    RelativeFrame frame_;
+    LeafDistance leaf_distance_;
+};
+
+/// Whether the roots are too far apart for any search. True for most couples of an assembly.
+bool EndAtRoots(const AABBHierarchy& first, const AABBHierarchy& second, double clearance_squared) {
+    if (first.Root().IsEmpty() || second.Root().IsEmpty()) return true;
+    const double distance = BoxDistanceSquared(first.WorldBox(first.Root()), second.WorldBox(second.Root()));
+    return !IsWithin(distance, clearance_squared);
+}
+
+}  // namespace
+
+ProximityFinding SearchProximityFast(const AABBHierarchy& first,
+                                     const AABBHierarchy& second,
+                                     double clearance) {
+    const double clearance_squared = ClampedSquare(clearance);
+    if (EndAtRoots(first, second, clearance_squared)) return FindingBeyond(clearance_squared);
+    Search search(first, second, clearance_squared);
+    return search.IsRigid() ? search.Measure() : SearchProximity(first, second, clearance);
+}
+
+std::optional<ProximityFinding> FindWithinClearance(const AABBHierarchy& first,
+                                                    const AABBHierarchy& second,
+                                                    double clearance) {
+    const double clearance_squared = ClampedSquare(clearance);
+    if (EndAtRoots(first, second, clearance_squared)) return std::nullopt;
+    Search search(first, second, clearance_squared);
+    if (search.IsRigid()) return search.FindWithinClearance();
+    const ProximityFinding finding = SearchProximity(first, second, clearance);
+    return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
+}
+
+}  // namespace tarn::details
