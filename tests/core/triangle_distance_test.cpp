@@ -71,9 +71,8 @@ TEST(PointSegmentDistance, IsTheTrueOne) {
         inner_count += t > 0 && t < 1 ? 1 : 0;
     }
     EXPECT_GT(inner_count, 5000);
-    const SegmentDistance to_a_point = PointSegmentDistance({3, 4, 0}, {0, 0, 0}, {0, 0, 0});
-    EXPECT_EQ(to_a_point.distance_squared, 25.0);
-    EXPECT_EQ(to_a_point.t, 1.0) << "no length leaves no way but the end";
+    const auto [to_a_point, t] = PointSegmentDistance({3, 4, 0}, {0, 0, 0}, {0, 0, 0});
+    EXPECT_TRUE(to_a_point == 25.0 && t == 1.0) << "no length leaves no way but the end";
 }
 
 TEST(PointTriangleDistance, IsTheTrueOneInAllSevenRegions) {
