@@ -122,7 +122,7 @@ TEST(Retrieve, RefusesValuesThatNothingCanBeBuiltFrom) {
     for (const char* const coordinate : {"x0", "y0", "z0", "x1", "y1", "z1", "x2", "y2", "z2"})
         EXPECT_EQ(FaultOf(Collision(Element(Without(kTriangle, coordinate)))),
                   Missing(coordinate, "triangle"));
-    EXPECT_EQ(FaultOf(Collision(Element(With(kTriangle, "x0", std::string(5000, '7') + "x")))),
+    EXPECT_EQ(FaultOf(Collision(Element(With(kTriangle, "x0", std::string(40, '7') + "x")))),
               Unreadable("x0", "triangle", std::string(40, '7') + "..."));
     for (const char* const value : {"-1", "-1e-300", "-inf", "", "1,5", "0xinf", "-0xnan"})
         EXPECT_EQ(ProximityFaultOf(Proximity(With(kClearPair, "clearance", value))),
