@@ -45,6 +45,10 @@ void GiveRoomBack(Triangles& triangles) {
 
 }  // namespace
 
+void Loader::MakeRoom() const {
+    triangles_->reserve(2 * triangles_->size() + kUsualTriangles);
+}
+
 NativeCollisionElementWrapper::NativeCollisionElementWrapper(const ICollisionElement& element) {
     Triangles triangles = TakeRoom();
     element.Load(Loader(triangles));
