@@ -36,7 +36,6 @@ public:
     SearchLimit& Limit() { return limit_; }
 
     void Add(const NearestTriangles& measured) {
-        if (!measured.is_valid && !measured.touches) return;
         const std::lock_guard lock(access_);
         const bool touches = nearest_.touches || measured.touches;
         if (Wins(measured)) {
@@ -81,40 +80,44 @@ public:
 
     bool IsRigid() const { return frame_.IsRigid(); }
 
-    /// Everything there is to know.
-    ProximityFinding Measure() {
+    /// Everything there is to know. Nothing where the nearest triangles are not retained, so that others are
+    /// the answer.
+    std::optional<ProximityFinding> Measure() {
         const Crossings crossings = SearchCrossings(first_, second_, frame_);
         if (crossings.found) return FindingOfCrossing(clearance_squared_);
         const double bound = TightenBound(first_, second_, clearance_squared_, frame_);
         if (AnyWithin(crossings.beside_boxes, bound)) return FindingOfCrossing(clearance_squared_);
         if (!(bound > 0.0)) return FindingOf({}, clearance_squared_, bound, 0);
-        NearestTriangles nearest = NearestWithin(bound);
-        const bool is_beyond = nearest.is_valid && nearest.distance_squared > clearance_squared_;
-        const std::uint64_t retained_count =
-            CountRetained(bound, is_beyond || !nearest.is_valid ? &nearest.has_unknown : nullptr);
+        NearestTriangles nearest = NearestUpTo(std::numeric_limits<double>::infinity(), bound);
+        if (nearest.is_valid && !IsWithin(BoxDistance(nearest.leaves), bound)) return std::nullopt;
+        const bool is_within = nearest.is_valid && nearest.distance_squared <= clearance_squared_;
+        const std::uint64_t retained_count = CountRetained(bound, is_within ? nullptr : &nearest.has_unknown);
         return FindingOf(nearest, clearance_squared_, bound, retained_count);
     }
 
-    std::optional<ProximityFinding> FindWithinClearance() {
+    /// Nothing where there is nothing within the clearance. Else as above.
+    enum class Answer : std::uint8_t { Found, Nothing, NotRetained };
+    Answer FindWithinClearance(ProximityFinding& finding) {
         const Crossings crossings = SearchCrossings(first_, second_, frame_);
-        if (crossings.found) return FindingOfCrossing(clearance_squared_);
+        finding = FindingOfCrossing(clearance_squared_);
+        if (crossings.found) return Answer::Found;
         if (!crossings.beside_boxes.empty() &&
             AnyWithin(crossings.beside_boxes, TightenBound(first_, second_, clearance_squared_, frame_)))
-            return FindingOfCrossing(clearance_squared_);
-        // Where this holds not, nothing is retained.
-        if (!(clearance_squared_ > 0.0)) return std::nullopt;
+            return Answer::Found;
+        // Where this does not hold, nothing is retained.
+        if (!(clearance_squared_ > 0.0)) return Answer::Nothing;
 
-        const NearestTriangles nearest = NearestUpTo(clearance_squared_);
-        if (!nearest.is_valid || nearest.distance_squared > clearance_squared_) return std::nullopt;
+        const double most = std::max(clearance_squared_, kTouchDistanceSquared);
+        const NearestTriangles nearest = NearestUpTo(most, clearance_squared_);
+        if (!nearest.is_valid || nearest.distance_squared > clearance_squared_) return Answer::Nothing;
         // The nearest of all is the answer if it is retained: if no centres are nearer than its boxes.
         const double needed = BoxDistance(nearest.leaves);
         const double bound =
             TightenBound(first_, second_, std::min(clearance_squared_, JustAbove(needed)), frame_);
-        if (IsWithin(needed, bound)) return FindingOf(nearest, clearance_squared_, bound, 1);
-        if (!(bound > 0.0)) return std::nullopt;
-        const NearestTriangles retained = NearestWithin(bound);
-        if (!retained.is_valid || retained.distance_squared > clearance_squared_) return std::nullopt;
-        return FindingOf(retained, clearance_squared_, bound, 1);
+        if (!(bound > 0.0)) return Answer::Nothing;
+        if (!IsWithin(needed, bound)) return Answer::NotRetained;
+        finding = FindingOf(nearest, clearance_squared_, bound, 1);
+        return Answer::Found;
     }
 
 private:
@@ -131,22 +134,14 @@ private:
             pairs, [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); });
     }
 
-    /// The nearest triangles of all leaf pairs, if they are not beyond the clearance.
-    NearestTriangles NearestUpTo(double clearance_squared) {
-        Nearest nearest(first_, second_, std::max(clearance_squared, kTouchDistanceSquared),
-                        leaf_distance_.Slack());
+    /// The nearest triangles of all leaf pairs, if their squared distance is not above `most`, and whether any
+    /// touch whose boxes are within the bound.
+    NearestTriangles NearestUpTo(double most, double bound) {
+        Nearest nearest(first_, second_, most, leaf_distance_.Slack());
         VisitNearLeafPairs(first_, second_, frame_, nearest.Limit(), [&](const NodePair& leaves) {
-            nearest.Add(leaf_distance_.Measure(leaves, nearest.Best(), Filters::On));
-        });
-        return nearest.Result();
-    }
-
-    /// The nearest triangles of the leaf pairs that are retained.
-    NearestTriangles NearestWithin(double bound) {
-        Nearest nearest(first_, second_, std::numeric_limits<double>::infinity(), leaf_distance_.Slack());
-        VisitNearLeafPairs(first_, second_, frame_, nearest.Limit(), [&](const NodePair& leaves) {
-            if (!IsWithin(BoxDistance(leaves), bound)) return;
-            nearest.Add(leaf_distance_.Measure(leaves, nearest.Best(), Filters::On));
+            const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
+            if (measured.is_valid || (measured.touches && IsWithin(BoxDistance(leaves), bound)))
+                nearest.Add(measured);
         });
         return nearest.Result();
     }
@@ -200,7 +195,9 @@ ProximityFinding SearchProximityFast(const AABBHierarchy& first,
     const double clearance_squared = ClampedSquare(clearance);
     if (EndAtRoots(first, second, clearance_squared)) return FindingBeyond(clearance_squared);
     Search search(first, second, clearance_squared);
-    return search.IsRigid() ? search.Measure() : SearchProximity(first, second, clearance);
+    std::optional<ProximityFinding> finding;
+    if (search.IsRigid()) finding = search.Measure();
+    return finding ? *finding : SearchProximity(first, second, clearance);
 }
 
 std::optional<ProximityFinding> FindWithinClearance(const AABBHierarchy& first,
@@ -209,8 +206,13 @@ std::optional<ProximityFinding> FindWithinClearance(const AABBHierarchy& first,
     const double clearance_squared = ClampedSquare(clearance);
     if (EndAtRoots(first, second, clearance_squared)) return std::nullopt;
     Search search(first, second, clearance_squared);
-    if (search.IsRigid()) return search.FindWithinClearance();
-    const ProximityFinding finding = SearchProximity(first, second, clearance);
+    ProximityFinding finding;
+    if (search.IsRigid()) {
+        const auto answer = search.FindWithinClearance(finding);
+        if (answer == Search::Answer::Found) return finding;
+        if (answer == Search::Answer::Nothing) return std::nullopt;
+    }
+    finding = SearchProximity(first, second, clearance);
     return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
 }
 
