@@ -24,7 +24,8 @@ class NativeCollisionConfigurationWrapper;
 ///
 /// Errors: `ObjectDisposedException` after disposal, before all else; `ArgumentNullException` for null,
 /// `ArgumentNullException` without a parameter name for an element without a mesh. What an element's own
-/// code throws comes out as it is. Operations on elements that are not in the configuration do nothing.
+/// code throws comes out as it is, but a `tarn::Exception` in `AddElement`. Operations on elements that are
+/// not in the configuration do nothing.
 ///
 /// After `CollisionDetector::ClearAll` a configuration has lost its bodies: the next operation but
 /// `RetrieveElements` drops the elements concerned.
