@@ -29,7 +29,7 @@ Crossings SearchCrossings(const AABBHierarchy& first,
     Crossings crossings;
     std::mutex access;
     SearchLimit limit(0.0);
-    VisitNearLeafPairs(first, second, frame, limit, [&](const NodePair& leaves) {
+    VisitNearLeafPairs(first, second, frame, SearchOrder::InDepth, limit, [&](const NodePair& leaves) {
         LeafTest leaf_test(most_triangles);
         if (!leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
                                     second.WorldTriangles(*leaves.second)))

@@ -44,29 +44,16 @@ private:
     Box* boxes_;
 };
 
-/// A plane through a triangle, scaled such that it tells distances. Of a triangle without a normal it tells
-/// nothing: NaN, or too little.
-class DistancePlane {
-public:
-    explicit DistancePlane(const Triangle& triangle)
-        : plane_(PlaneOf(triangle)),
-          inverse_length_(1.0 / std::sqrt(LengthSquared(plane_.normal))) {}
-
-    /// A lower bound of the squared distance of a triangle that lies on one side, else 0.
-    double DistanceSquared(const Triangle& triangle) const {
-        const double d0 = SignedValue(plane_, Vertex0(triangle));
-        const double d1 = SignedValue(plane_, Vertex1(triangle));
-        const double d2 = SignedValue(plane_, Vertex2(triangle));
-        const double least = std::max(std::min({d0, d1, d2}), -std::max({d0, d1, d2}));
-        if (!(least > 0.0)) return 0.0;
-        const double distance = least * inverse_length_;
-        return distance * distance;
-    }
-
-private:
-    Plane plane_;
-    double inverse_length_;
-};
+/// Whether a triangle's plane shows another triangle, which lies on one side of it, to be farther away than
+/// the root of `squared`. False for the plane of a triangle without a normal.
+bool IsFartherFromPlane(const Plane& plane, const Triangle& triangle, double squared) {
+    const double d0 = SignedValue(plane, Vertex0(triangle));
+    const double d1 = SignedValue(plane, Vertex1(triangle));
+    const double d2 = SignedValue(plane, Vertex2(triangle));
+    const double least = std::max(std::min({d0, d1, d2}), -std::max({d0, d1, d2}));
+    // Signed values are distances times the length of the normal.
+    return least > 0.0 && least * least > squared * LengthSquared(plane.normal);
+}
 
 }  // namespace
 
@@ -83,13 +70,13 @@ NearestTriangles LeafDistance::Measure(const NodePair& leaves, double best, Filt
     const TriangleBoxes second_boxes(second_leaf);
     for (const Triangle& first : first_.WorldTriangles(*leaves.first)) {
         const Box first_box = TriangleBox(first);
-        const DistancePlane first_plane(first);
+        const Plane first_plane = PlaneOf(first);
         for (std::size_t j = 0; j < second_leaf.size(); ++j) {
             const Triangle& second = second_leaf[j];
             const double box_distance_squared = BoxDistanceSquared(first_box, second_boxes[j]);
             if (box_distance_squared - slack_ > best) continue;
-            if (filters == Filters::On && (first_plane.DistanceSquared(second) - slack_ > best ||
-                                           DistancePlane(second).DistanceSquared(first) - slack_ > best))
+            if (filters == Filters::On && (IsFartherFromPlane(first_plane, second, best + slack_) ||
+                                           IsFartherFromPlane(PlaneOf(second), first, best + slack_)))
                 continue;
             const TrianglePairDistance distance = TrianglePairDistanceBound(EdgeForm(first), EdgeForm(second));
             if (distance.distance_squared < kTouchDistanceSquared) {

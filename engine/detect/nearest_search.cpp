@@ -138,7 +138,7 @@ private:
     /// touch whose boxes are within the bound.
     NearestTriangles NearestUpTo(double most, double bound) {
         Nearest nearest(first_, second_, most, leaf_distance_.Slack());
-        VisitNearLeafPairs(first_, second_, frame_, nearest.Limit(), [&](const NodePair& leaves) {
+        VisitNearLeafPairs(first_, second_, frame_, SearchOrder::ByNearness, nearest.Limit(), [&](const NodePair& leaves) {
             const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
             if (measured.is_valid || (measured.touches && IsWithin(BoxDistance(leaves), bound)))
                 nearest.Add(measured);

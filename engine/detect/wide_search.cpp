@@ -58,11 +58,11 @@ WideView ViewFromSecond(const RelativeFrame& frame) {
     return view;
 }
 
-/// Works pending pairs off. Those left when the budget is spent are distributed, the last one first.
+/// Works pending pairs off. Those left when the budget is spent are distributed, the most urgent ones first.
 void Search(const WideTask& task, std::vector<WidePair>& pending, int split_levels) {
     WorkOff(task, pending, split_levels > 0 ? kBudget : std::numeric_limits<std::size_t>::max());
     if (pending.empty()) return;
-    std::ranges::reverse(pending);
+    std::ranges::sort(pending, {}, &WidePair::urgency);
     constexpr std::size_t kPairChunk = 1;
     ParallelFor(pending.size(), kPairChunk, [&](std::size_t begin, std::size_t end) {
         std::vector<WidePair> part;
@@ -78,13 +78,14 @@ void Search(const WideTask& task, std::vector<WidePair>& pending, int split_leve
 void VisitNearLeafPairs(const AABBHierarchy& first,
                         const AABBHierarchy& second,
                         const RelativeFrame& frame,
+                        SearchOrder order,
                         SearchLimit& limit,
                         FunctionRef<void(const NodePair& leaves)> visit) {
-    const WideTask task{first, second, ViewFromFirst(frame), ViewFromSecond(frame), limit, visit};
+    const WideTask task{order, first, second, ViewFromFirst(frame), ViewFromSecond(frame), limit, visit};
     constexpr std::size_t kUsualDepth = 128;
     std::vector<WidePair> pending;
     pending.reserve(kUsualDepth);
-    pending.push_back({WideHierarchy::kRoot, WideHierarchy::kRoot, 0.0F});
+    pending.push_back({WideHierarchy::kRoot, WideHierarchy::kRoot, 0.0F, 0.0F});
     Search(task, pending, kSplitLevels);
 }
 

@@ -4,6 +4,7 @@
 #include "detect/pair_descent.h"
 
 #include <atomic>
+#include <cstdint>
 
 namespace tarn::details {
 
@@ -29,8 +30,13 @@ private:
     std::atomic<double> squared_;
 };
 
-/// Descends the wide trees of two hierarchies together and visits their pairs of leaves, in no order to rely
-/// on: those that overlap most and those nearest come first, as far as that is cheap to know. Left out are
+/// What a search looks at next. Both are heuristics: leaf pairs come in no order to rely on.
+enum class SearchOrder : std::uint8_t {
+    InDepth,    ///< down where the overlap is deepest: for searches that end with the first find
+    ByNearness  ///< the nearest of all that is pending: for those that look for the least distance
+};
+
+/// Descends the wide trees of two hierarchies together and visits their pairs of leaves. Left out are
 /// leaf pairs that the frame, which is rigid, shows to be farther apart than the limit; with a limit of 0,
 /// those that it shows apart. Four boxes are tested at a time, in single precision, by the widest
 /// instructions of the processor that runs it; so which pairs more than the near ones are visited depends on
@@ -40,6 +46,7 @@ private:
 void VisitNearLeafPairs(const AABBHierarchy& first,
                         const AABBHierarchy& second,
                         const RelativeFrame& frame,
+                        SearchOrder order,
                         SearchLimit& limit,
                         FunctionRef<void(const NodePair& leaves)> visit);
 

@@ -24,12 +24,12 @@ using V = hn::Vec<Lanes>;
 /// Squares and sums of squares round; this much smaller they are lower bounds still.
 constexpr float kShrink = 1.0F - 0x1p-20F;
 
-/// One box against the four of a node, each with a lower bound of the squared distance, and a measure to order
-/// them by: how far they are apart along the best of the six edge directions, negative where they overlap.
+/// One box against those of a node: for each a lower bound of the squared distance, and how far they are apart
+/// along the best of the six edge directions, which is negative where they overlap.
 struct Look {
     unsigned near;  ///< a bit for each lane that is not farther away than the limit
     alignas(32) float lower[WideNode::kLanes];
-    alignas(32) float order[WideNode::kLanes];
+    alignas(32) float gap[WideNode::kLanes];
 };
 
 HWY_INLINE void LookAtLanes(const WideView& view,
@@ -57,13 +57,13 @@ HWY_INLINE void LookAtLanes(const WideView& view,
         t[i] = hn::MulAdd(set(r[i][0]), c[0],
                           hn::MulAdd(set(r[i][1]), c[1], hn::MulAdd(set(r[i][2]), c[2], start)));
     }
-    V order = set(-1e30F);
+    V widest_gap = set(-1e30F);
     V lower = zero;
     for (int i = 0; i < 3; ++i) {
         const V radii = hn::MulAdd(set(s[i][0]), h[0],
                                    hn::MulAdd(set(s[i][1]), h[1], hn::MulAdd(set(s[i][2]), h[2], set(a[i]))));
         const V gap = hn::Abs(t[i]) - radii;
-        order = hn::Max(order, gap);
+        widest_gap = hn::Max(widest_gap, gap);
         const V apart = hn::Max(gap - margin, zero);
         lower = hn::MulAdd(apart, apart, lower);
     }
@@ -72,7 +72,7 @@ HWY_INLINE void LookAtLanes(const WideView& view,
         const V along = hn::MulAdd(t[0], set(r[0][j]), hn::MulAdd(t[1], set(r[1][j]), t[2] * set(r[2][j])));
         const V radii = h[j] + set(s[0][j] * a[0] + s[1][j] * a[1] + s[2][j] * a[2]);
         const V gap = hn::Abs(along) - radii;
-        order = hn::Max(order, gap);
+        widest_gap = hn::Max(widest_gap, gap);
         const V apart = hn::Max(gap - margin, zero);
         lower_b = hn::MulAdd(apart, apart, lower_b);
     }
@@ -127,7 +127,7 @@ HWY_INLINE void LookAtLanes(const WideView& view,
     }
     lower = hn::Max(lower, best * best * set(kShrink));
     hn::Store(lower, d, look.lower + from_lane);
-    hn::Store(order, d, look.order + from_lane);
+    hn::Store(widest_gap, d, look.gap + from_lane);
     std::uint8_t bits[8] = {};
     hn::StoreMaskBits(d, lower <= limits, bits);
     look.near |= static_cast<unsigned>(bits[0]) << from_lane;
@@ -155,18 +155,36 @@ float SizeOf(const WideNode& node, std::uint32_t lane) {
     return node.half[0][lane] + node.half[1][lane] + node.half[2][lane];
 }
 
-/// Adds the near lanes of a look, so that the one to be taken first comes last.
+/// For a heap with the most urgent pair in front.
+bool IsLessUrgent(const WidePair& a, const WidePair& b) {
+    return a.urgency > b.urgency;
+}
+
+WidePair Take(SearchOrder order, std::vector<WidePair>& pending) {
+    if (order == SearchOrder::ByNearness) std::pop_heap(pending.begin(), pending.end(), IsLessUrgent);
+    const WidePair pair = pending.back();
+    pending.pop_back();
+    return pair;
+}
+
+/// Adds the near lanes of a look.
 template <typename MakePair>
-HWY_INLINE void Push(const Look& look, std::vector<WidePair>& pending, MakePair make_pair) {
-    std::uint32_t lanes[WideNode::kLanes];
-    std::size_t count = 0;
+HWY_INLINE void Add(const Look& look, SearchOrder order, std::vector<WidePair>& pending, MakePair make_pair) {
+    const auto begin = static_cast<std::ptrdiff_t>(pending.size());
     for (std::uint32_t lane = 0; lane < WideNode::kLanes; ++lane) {
         if ((look.near >> lane & 1U) == 0) continue;
-        std::size_t at = count++;
-        for (; at > 0 && look.order[lanes[at - 1]] < look.order[lane]; --at) lanes[at] = lanes[at - 1];
-        lanes[at] = lane;
+        WidePair pair = make_pair(lane);
+        pair.lower = look.lower[lane];
+        pair.urgency = pair.lower > 0.0F ? pair.lower : look.gap[lane];
+        pending.push_back(pair);
+        if (order == SearchOrder::ByNearness) {
+            std::push_heap(pending.begin(), pending.end(), IsLessUrgent);
+            continue;
+        }
+        // The most urgent one goes last: a handful, sorted as it grows.
+        for (auto at = pending.end() - 1; at - pending.begin() > begin && IsLessUrgent(*at, *(at - 1)); --at)
+            std::swap(*at, *(at - 1));
     }
-    for (std::size_t i = 0; i < count; ++i) pending.push_back(make_pair(lanes[i], look.lower[lanes[i]]));
 }
 
 void WorkOffHere(const WideTask& task, std::vector<WidePair>& pending, std::size_t budget) {
@@ -175,8 +193,7 @@ void WorkOffHere(const WideTask& task, std::vector<WidePair>& pending, std::size
     const WideHierarchy& second = task.second.Wide();
     Look look;
     for (; !pending.empty() && budget > 0; --budget) {
-        const WidePair pair = pending.back();
-        pending.pop_back();
+        const WidePair pair = Take(task.order, pending);
         const float limit = RoundUp(task.limit.Squared());
         if (pair.lower > limit) continue;
         const WideNode& first_node = first.NodeOf(pair.first);
@@ -193,13 +210,13 @@ void WorkOffHere(const WideTask& task, std::vector<WidePair>& pending, std::size
         } else if (second_is_leaf ||
                    (!first_is_leaf && SizeOf(first_node, first_lane) >= SizeOf(second_node, second_lane))) {
             LookAt(task.from_second, second_node, second_lane, first[first_child], limit, look);
-            Push(look, pending, [&](std::uint32_t lane, float lower) {
-                return WidePair{first_child * kLanes + lane, pair.second, lower};
+            Add(look, task.order, pending, [&](std::uint32_t lane) {
+                return WidePair{first_child * kLanes + lane, pair.second, 0.0F, 0.0F};
             });
         } else {
             LookAt(task.from_first, first_node, first_lane, second[second_child], limit, look);
-            Push(look, pending, [&](std::uint32_t lane, float lower) {
-                return WidePair{pair.first, second_child * kLanes + lane, lower};
+            Add(look, task.order, pending, [&](std::uint32_t lane) {
+                return WidePair{pair.first, second_child * kLanes + lane, 0.0F, 0.0F};
             });
         }
     }

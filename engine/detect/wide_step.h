@@ -22,15 +22,18 @@ struct WideView {
     float margin;
 };
 
-/// Two boxes to be looked at, with a lower bound of their squared distance.
+/// Two boxes to be looked at.
 struct WidePair {
     WideItem first;
     WideItem second;
-    float lower;
+    float lower;    ///< bounds their squared distance from below
+    float urgency;  ///< the less, the sooner they should be looked at: less than 0 where they overlap
 };
 
 /// What a search goes by.
 struct WideTask {
+    /// The order of search.
+    SearchOrder order;
     const AABBHierarchy& first;
     const AABBHierarchy& second;
     WideView from_first;
@@ -39,8 +42,9 @@ struct WideTask {
     FunctionRef<void(const NodePair& leaves)> visit;
 };
 
-/// Works the pending pairs off, the last one first, until there are none or `budget` boxes have been looked
-/// at. On the best instructions that the processor has.
+/// Works pending pairs off until there are none or `budget` pairs have been taken, on the best instructions
+/// that the processor has. In depth, the last one is always next. By nearness, the pairs are a heap, the most
+/// urgent one at the front.
 void WorkOff(const WideTask& task, std::vector<WidePair>& pending, std::size_t budget);
 
 }  // namespace tarn::details
