@@ -1,13 +1,11 @@
 #pragma once
 
-#include "tarn/triangle_data.h"
+#include "stl_samples.h"
 
 #include <nlohmann/json.hpp>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,13 +13,6 @@
 namespace tarn::program {
 
 using Json = nlohmann::json;
-
-template <typename Value>
-void AppendRaw(std::string& bytes, const Value& value) {
-    std::array<char, sizeof value> raw{};
-    std::memcpy(raw.data(), &value, sizeof value);
-    bytes.append(raw.data(), raw.size());
-}
 
 /// The buffer of the sample: four vertices of three singles, then two triangles of 16-bit indices.
 inline std::string SampleBuffer() {
@@ -34,7 +25,7 @@ inline std::string SampleBuffer() {
 }
 
 /// Those triangles in millimetres.
-inline std::vector<tarn::TriangleData> SampleGltfTriangles() {
+inline Triangles SampleGltfTriangles() {
     return {{0, 0, 0, 1500, 0, 0, 0, 2000, 0}, {0, 2000, 0, 1500, 0, 0, 1000, 1000, -250}};
 }
 

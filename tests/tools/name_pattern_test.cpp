@@ -37,6 +37,7 @@ TEST(ShortNames, OfNamesThatEndInASlashAreNeverEmpty) {
         parts.push_back({name, 0, {0}, {}, false});
     EXPECT_EQ(ShortNames(parts),
               (std::vector<std::string>{"a/", "/", "//", "b/c", "x/c", "", "d!", "e/d!", "d"}));
+    EXPECT_EQ(ShortNames({{"a/", 0, {0}, {}, false}}), std::vector<std::string>{"a/"});
     EXPECT_EQ(ShortNames({{"a//", 0, {0}, {}, false}, {"a/", 0, {0}, {}, false}}),
               (std::vector<std::string>{"/", "a/"}));
 }

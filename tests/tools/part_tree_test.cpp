@@ -1,6 +1,6 @@
 #include "readers/part_tree.h"
 
-#include "readers/program_error.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -59,12 +59,8 @@ TEST(PartTree, PathsThatAreTooLongTogetherAreRefused) {
         nodes.push_back(Node("", {}, true));
     }
     Model model;
-    try {
-        AddParts(model, nodes, {0});
-        ADD_FAILURE() << "280 MB of paths are accepted";
-    } catch (const FormatError& error) {
-        EXPECT_STREQ(error.what(), "the paths of its parts have more than 268435456 bytes together");
-    }
+    EXPECT_EQ(ErrorOf([&] { AddParts(model, nodes, {0}); }),
+              "the paths of its parts have more than 268435456 bytes together");
 }
 
 }  // namespace

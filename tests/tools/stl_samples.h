@@ -2,10 +2,10 @@
 
 #include "tarn/triangle_data.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -24,12 +24,14 @@ inline std::array<double, 9> Coordinates(const tarn::TriangleData& triangle) {
     return std::bit_cast<std::array<double, 9>>(triangle);
 }
 
+template <typename Value>
+void AppendRaw(std::string& bytes, const Value& value) {
+    const auto raw = std::bit_cast<std::array<char, sizeof value>>(value);
+    bytes.append(raw.data(), raw.size());
+}
+
 inline bool AreSame(const Triangles& first, const Triangles& second) {
-    if (first.size() != second.size()) return false;
-    for (std::size_t index = 0; index < first.size(); ++index) {
-        if (Coordinates(first[index]) != Coordinates(second[index])) return false;
-    }
-    return true;
+    return std::ranges::equal(first, second, {}, Coordinates, Coordinates);
 }
 
 inline std::string TextStl(const Triangles& triangles) {
@@ -55,16 +57,12 @@ inline std::string BinaryStl(const Triangles& triangles,
     static_assert(std::endian::native == std::endian::little);
     std::string bytes(header);
     bytes.resize(80, ' ');
-    const auto append = [&bytes](const auto& value) {
-        std::array<char, sizeof value> raw{};
-        std::memcpy(raw.data(), &value, sizeof value);
-        bytes.append(raw.data(), raw.size());
-    };
-    append(count);
+    AppendRaw(bytes, count);
     for (const tarn::TriangleData& triangle : triangles) {
-        append(std::array<float, 3>{0, 0, 1});
-        for (const double coordinate : Coordinates(triangle)) append(static_cast<float>(coordinate));
-        append(std::uint16_t{0xabcd});
+        AppendRaw(bytes, std::array<float, 3>{0, 0, 1});
+        for (const double coordinate : Coordinates(triangle))
+            AppendRaw(bytes, static_cast<float>(coordinate));
+        AppendRaw(bytes, std::uint16_t{0xabcd});
     }
     return bytes;
 }

@@ -6,12 +6,12 @@
 
 namespace tarn::program {
 
-/// The text of the `FormatError` that reading ends with, empty where it succeeds.
-template <typename Read>
-std::string FormatErrorOf(const Read& read) {
+/// The text of the error that reading ends with, empty where it succeeds.
+template <typename Error = FormatError, typename Read>
+std::string ErrorOf(const Read& read) {
     try {
         read();
-    } catch (const FormatError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return {};
