@@ -41,6 +41,7 @@ struct ProximityKind {
     static auto Arguments(const Said& said) {
         return std::tuple(std::make_shared<ProximitySetting>(said.enable, said.clearance));
     }
+    static tarn::ProximitySetting NativeOf(const Said& said) { return {said.enable, said.clearance}; }
     static Said Answer(const std::shared_ptr<ProximitySetting>& setting) {
         return {setting->get_Enable(), setting->get_Clearance()};
     }
@@ -75,6 +76,7 @@ struct CollisionKind {
         return std::tuple(said.enable ? Intersection : off[static_cast<int>(said.clearance) % 3],
                           said.clearance - 1.0);
     }
+    static bool NativeOf(const Said& said) { return said.enable; }
     static Said Answer(bool enable) { return {enable, 0.0}; }
     static double ClearanceOf(const CollisionCouple& couple) {
         EXPECT_EQ(couple.get_CheckConfiguration(), CheckCoupleConfiguration::Intersection);

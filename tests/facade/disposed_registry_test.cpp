@@ -10,8 +10,6 @@
 namespace Ostrel::Quarrix::Collisions {
 namespace {
 
-using test::ErrorOf;
-using test::kDisposedError;
 using test::Part;
 
 TEST(DebugInfo, CountsRegistries) {
@@ -47,12 +45,11 @@ TEST(DisposedRegistry, KeepsItsPublicOperations) {
     EXPECT_EQ(&ElementsManager::get_Instance(), &registry);
     EXPECT_EQ(ElementsManager::get_DebugInfo().new_count, 1U);
 
-    EXPECT_EQ(ErrorOf([&] { registry.IncreaseReferenceCount(*wrapper); }), kDisposedError);
-    EXPECT_EQ(ErrorOf([&] { registry.DecreaseReferenceCount(*wrapper); }), kDisposedError);
-    EXPECT_EQ(ErrorOf([&] { (void)registry.GetReferenceCount(part); }), kDisposedError);
-    EXPECT_EQ(ErrorOf([&] { (void)registry.CheckElementsExist({part}); }), kDisposedError);
-    EXPECT_EQ(ErrorOf([&] { (void)registry.GetElementsExist({part}); }), kDisposedError);
-    EXPECT_EQ(ErrorOf([&] { (void)registry.Dump(); }), kDisposedError);
+    test::ExpectDisposed([&] { registry.IncreaseReferenceCount(*wrapper); },
+                         [&] { registry.DecreaseReferenceCount(*wrapper); },
+                         [&] { (void)registry.GetReferenceCount(part); },
+                         [&] { (void)registry.CheckElementsExist({part}); },
+                         [&] { (void)registry.GetElementsExist({part}); }, [&] { (void)registry.Dump(); });
 
     EXPECT_EQ(configuration->RetrieveCouplesCount(), 0);
     EXPECT_TRUE(configuration->RetrieveElements().empty());

@@ -164,5 +164,25 @@ inline std::string NullError(const std::string& param_name) {
     return "ArgumentNullException: Value can not be null (parameter '" + param_name + "')";
 }
 inline const std::string kDisposedError = "ObjectDisposedException";
+/// Each call says that its object is disposed.
+template <typename... Calls>
+void ExpectDisposed(const Calls&... calls) {
+    for (const std::function<void()>& call : {std::function<void()>(calls)...})
+        EXPECT_EQ(ErrorOf(call), kDisposedError);
+}
+
+/// Calls and the errors that they are to throw, empty for none.
+template <typename Target>
+using Calls = std::vector<std::pair<std::function<void(Target&)>, std::string>>;
+
+template <typename Target>
+void ExpectErrors(Target& target, const Calls<Target>& calls) {
+    for (const auto& call : calls)
+        EXPECT_EQ(ErrorOf([&] { call.first(target); }), call.second) << "call " << &call - calls.data();
+}
+template <typename Target>
+void ExpectAllDisposed(Target& target, const Calls<Target>& calls) {
+    for (const auto& call : calls) ExpectDisposed([&] { call.first(target); });
+}
 
 }  // namespace Ostrel::Quarrix::Collisions::test
