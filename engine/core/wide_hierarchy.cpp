@@ -66,9 +66,10 @@ Slab ThinnestSlab(std::span<const Triangle> triangles, const Vector3& origin) {
     double least = std::numeric_limits<double>::infinity();
     const auto attempt = [&](const Vector3& normal) {
         const Slab slab = SlabAlong(NarrowUnit(normal), triangles, origin);
-        // NaN, which directions without a length bring, is never less.
-        if (!(slab.max - slab.min < least)) return;
-        least = slab.max - slab.min;
+        const double width = slab.max - slab.min;
+        // Along directions that are no numbers, nothing has a place: the slab stays turned inside out.
+        if (!(width >= 0.0 && width < least)) return;
+        least = width;
         thinnest = slab;
     };
     if (triangles.empty() || triangles.size() > kSlabTriangles) return thinnest;

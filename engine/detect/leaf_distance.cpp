@@ -44,16 +44,33 @@ private:
     Box* boxes_;
 };
 
-/// Whether a triangle's plane shows another triangle, which lies on one side of it, to be farther away than
-/// the root of `squared`. False for the plane of a triangle without a normal.
-bool IsFartherFromPlane(const Plane& plane, const Triangle& triangle, double squared) {
-    const double d0 = SignedValue(plane, Vertex0(triangle));
-    const double d1 = SignedValue(plane, Vertex1(triangle));
-    const double d2 = SignedValue(plane, Vertex2(triangle));
-    const double least = std::max(std::min({d0, d1, d2}), -std::max({d0, d1, d2}));
-    // Signed values are distances times the length of the normal.
-    return least > 0.0 && least * least > squared * LengthSquared(plane.normal);
-}
+/// A triangle's plane as a direction in which others may be seen to lie apart.
+class SeparatingPlane {
+public:
+    explicit SeparatingPlane(const Triangle& triangle)
+        : plane_(PlaneOf(triangle)),
+          length_squared_(LengthSquared(plane_.normal)) {
+        // The normal of a sliver is mostly rounding noise, and its own vertices are off the plane.
+        own_ = std::max({std::abs(SignedValue(plane_, Vertex0(triangle))),
+                         std::abs(SignedValue(plane_, Vertex1(triangle))),
+                         std::abs(SignedValue(plane_, Vertex2(triangle)))});
+    }
+
+    /// Whether another triangle is shown to be farther away than the root of `squared`.
+    bool IsFarther(const Triangle& triangle, double squared) const {
+        const double d0 = SignedValue(plane_, Vertex0(triangle));
+        const double d1 = SignedValue(plane_, Vertex1(triangle));
+        const double d2 = SignedValue(plane_, Vertex2(triangle));
+        const double gap = std::max(std::min({d0, d1, d2}), -std::max({d0, d1, d2})) - own_;
+        // Signed values are distances times the length of the normal.
+        return gap > 0.0 && gap * gap > squared * length_squared_;
+    }
+
+private:
+    Plane plane_;
+    double length_squared_;
+    double own_;
+};
 
 }  // namespace
 
@@ -70,15 +87,16 @@ NearestTriangles LeafDistance::Measure(const NodePair& leaves, double best, Filt
     const TriangleBoxes second_boxes(second_leaf);
     for (const Triangle& first : first_.WorldTriangles(*leaves.first)) {
         const Box first_box = TriangleBox(first);
-        const Plane first_plane = PlaneOf(first);
+        const SeparatingPlane first_plane(first);
         for (std::size_t j = 0; j < second_leaf.size(); ++j) {
             const Triangle& second = second_leaf[j];
             const double box_distance_squared = BoxDistanceSquared(first_box, second_boxes[j]);
             if (box_distance_squared - slack_ > best) continue;
-            if (filters == Filters::On && (IsFartherFromPlane(first_plane, second, best + slack_) ||
-                                           IsFartherFromPlane(PlaneOf(second), first, best + slack_)))
+            if (filters == Filters::On && (first_plane.IsFarther(second, best + slack_) ||
+                                           SeparatingPlane(second).IsFarther(first, best + slack_)))
                 continue;
-            const TrianglePairDistance distance = TrianglePairDistanceBound(EdgeForm(first), EdgeForm(second));
+            const TrianglePairDistance distance =
+                TrianglePairDistanceBound(EdgeForm(first), EdgeForm(second));
             if (distance.distance_squared < kTouchDistanceSquared) {
                 NearestTriangles touching;
                 touching.touches = true;

@@ -95,7 +95,8 @@ void Group(std::span<const Triangle> leaf, TriangleGroup* groups) {
 }  // namespace
 
 // The inline groups are left uninitialised: what is read has been written.
-LeafTest::LeafTest(std::size_t most_triangles) : most_groups_(GroupCount(most_triangles)) {}  // NOLINT: see above
+LeafTest::LeafTest(std::size_t most_triangles)
+    : most_groups_(GroupCount(most_triangles)) {}  // NOLINT: see above
 
 TriangleGroup* LeafTest::Room() {
     if (most_groups_ <= kInlineGroups) return inline_groups_.data();

@@ -130,19 +130,20 @@ private:
     }
 
     bool AnyWithin(const std::vector<NodePair>& pairs, double bound) const {
-        return std::ranges::any_of(
-            pairs, [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); });
+        return std::ranges::any_of(pairs,
+                                   [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); });
     }
 
     /// The nearest triangles of all leaf pairs, if their squared distance is not above `most`, and whether any
     /// touch whose boxes are within the bound.
     NearestTriangles NearestUpTo(double most, double bound) {
         Nearest nearest(first_, second_, most, leaf_distance_.Slack());
-        VisitNearLeafPairs(first_, second_, frame_, SearchOrder::ByNearness, nearest.Limit(), [&](const NodePair& leaves) {
-            const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
-            if (measured.is_valid || (measured.touches && IsWithin(BoxDistance(leaves), bound)))
-                nearest.Add(measured);
-        });
+        VisitNearLeafPairs(
+            first_, second_, frame_, SearchOrder::ByNearness, nearest.Limit(), [&](const NodePair& leaves) {
+                const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
+                if (measured.is_valid || (measured.touches && IsWithin(BoxDistance(leaves), bound)))
+                    nearest.Add(measured);
+            });
         return nearest.Result();
     }
 
@@ -155,7 +156,8 @@ private:
             [&](const NodePair& leaves) {
                 ++count;
                 if (has_unknown && !*has_unknown && MayBeUnknown(leaves))
-                    *has_unknown = leaf_distance_.Measure(leaves, clearance_squared_, Filters::Off).has_unknown;
+                    *has_unknown =
+                        leaf_distance_.Measure(leaves, clearance_squared_, Filters::Off).has_unknown;
                 return false;
             });
         return count;

@@ -100,13 +100,12 @@ HWY_INLINE void LookAtLanes(const WideView& view,
     for (int j = 0; j < 3; ++j) turned[j] = m[0] * r[0][j] + m[1] * r[1][j] + m[2] * r[2][j];
     const float start = m[0] * view.offset[0] + m[1] * view.offset[1] + m[2] * view.offset[2] -
                         single.slab_centre[single_lane];
-    const V along_m = hn::MulAdd(set(turned[0]), c[0],
-                                 hn::MulAdd(set(turned[1]), c[1], hn::MulAdd(set(turned[2]), c[2], set(start))));
-    const V radii_m = hn::MulAdd(
-        set(std::abs(turned[0])), h[0],
-        hn::MulAdd(set(std::abs(turned[1])), h[1],
-                   hn::MulAdd(set(std::abs(turned[2])), h[2],
-                              set(single.slab_half[single_lane] + view.margin))));
+    const V along_m = hn::MulAdd(
+        set(turned[0]), c[0], hn::MulAdd(set(turned[1]), c[1], hn::MulAdd(set(turned[2]), c[2], set(start))));
+    const V radii_m = hn::MulAdd(set(std::abs(turned[0])), h[0],
+                                 hn::MulAdd(set(std::abs(turned[1])), h[1],
+                                            hn::MulAdd(set(std::abs(turned[2])), h[2],
+                                                       set(single.slab_half[single_lane] + view.margin))));
     slab_gap = hn::Max(hn::Max(slab_gap, hn::Abs(along_m) - radii_m), zero);
     lower = hn::Max(lower, slab_gap * slab_gap) * set(kShrink);
     const V limits = set(limit);
