@@ -279,6 +279,21 @@ TYPED_TEST(ConfigurationTest, UndoesUsesWhereTheEngineFails) {
     EXPECT_EQ(ErrorOf([&] { this->Add(*Kind::Make(), part); }), "InvalidOperationException: no mesh");
 }
 
+TYPED_TEST(ConfigurationTest, TakesNoUseOfAnotherForABodyThatTheRegistryGaveUp) {
+    const auto part = std::make_shared<Part>();
+    std::vector<std::shared_ptr<typename TypeParam::Configuration>> stale{TypeParam::Make(),
+                                                                          TypeParam::Make()};
+    for (const auto& each : stale) this->Add(*each, part);
+    this->registry_.Clear();
+    const auto other = TypeParam::Make();
+    this->Add(*other, part);
+    stale[0]->Dispose();
+    stale.push_back(stale[1]->Clone());
+    stale[1]->RemoveAllElements();
+    stale.clear();
+    EXPECT_EQ(this->registry_.GetReferenceCount(part), 1);
+}
+
 /// Whoever destroys an element may wait for a thread that uses the registry, or dispose the configuration.
 TYPED_TEST(ConfigurationTest, ReleasesElementsAfterTheOperationAndWithoutALock) {
     using Kind = TypeParam;
