@@ -19,7 +19,7 @@ constexpr double kHalfGrowth = 1.0 + 0x1p-22;
 
 /// Runs of triangles longer than this have no slab: few of them are thin, and it would take time to find out.
 constexpr std::size_t kSlabTriangles = 64;
-/// Triangles of a run whose normals are tried, the first ones.
+/// The normals of single triangles are tried in runs up to this; in longer ones the mean normal serves.
 constexpr std::size_t kTriedNormals = 5;
 
 struct Interval {
@@ -80,7 +80,8 @@ Slab ThinnestSlab(std::span<const Triangle> triangles, const Vector3& origin) {
         sum = Dot(normal, first) < 0.0 ? sum - normal : sum + normal;
     }
     attempt(sum);
-    for (std::size_t i = 0; i < std::min(triangles.size(), kTriedNormals); ++i) attempt(Normal(triangles[i]));
+    if (triangles.size() > kTriedNormals) return thinnest;
+    for (const Triangle& triangle : triangles) attempt(Normal(triangle));
     return thinnest;
 }
 
@@ -170,7 +171,8 @@ void WideHierarchy::VisitSlabNormalsAbove(std::uint32_t leaf,
         const WideNode& node = nodes_[child];
         std::uint32_t lane = 0;
         while (lane + 1 < node.count && node.binary[lane + 1] <= leaf) ++lane;
-        visit({node.slab_normal[0][lane], node.slab_normal[1][lane], node.slab_normal[2][lane]});
+        const auto component = [&](int axis) { return static_cast<double>(node.slab_normal[axis][lane]); };
+        visit({component(0), component(1), component(2)});
         child = node.child[lane];
     }
 }

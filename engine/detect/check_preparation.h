@@ -30,10 +30,11 @@ bool AllAreBuilt(const std::vector<ICollisionBody*>& bodies);
 /// The couples of a configuration whose placements are current, all ready to be checked. Throws
 /// `std::bad_cast` for a configuration that is no `Provider`, and for the first couple with a body that was
 /// never built. Bodies are few and couples many, so couples are looked at only where some body is unbuilt.
+/// `bodies` are those of the configuration.
 template <typename Provider, typename Configuration>
-const auto& PrepareCouples(const Configuration& configuration) {
+const auto& PrepareCouples(const Configuration& configuration, const std::vector<ICollisionBody*>& bodies) {
     const auto& couples = dynamic_cast<const Provider&>(configuration).Pairs();
-    if (AllAreBuilt(configuration.RetrieveElements())) return couples;
+    if (AllAreBuilt(bodies)) return couples;
     for (const auto& couple : couples) {
         RequireBuilt(*couple.First());
         RequireBuilt(*couple.Second());

@@ -2,6 +2,7 @@
 
 #include "config/body_pair.h"
 #include "core/collision_body.h"
+#include "detect/broad_phase.h"
 #include "detect/check_preparation.h"
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
@@ -30,12 +31,16 @@ std::optional<TriangleHit> FindHit(const AABBHierarchy& first,
 
 /// Checks all couples, or until the first hit.
 std::vector<CoupleHit<TriangleHit>> CheckCouples(const CoupleTable& couples,
+                                                 const std::vector<ICollisionBody*>& bodies,
                                                  const Procedure& procedure,
                                                  Filters filters) {
-    return FindInCouples<TriangleHit>(couples, procedure.stops_at_first_hit, [&](const KeyBodyPair& couple) {
-        return FindHit(*couple.First()->Hierarchy(), *couple.Second()->Hierarchy(),
-                       procedure.records_triangles, filters);
-    });
+    const CoupleSelection selection =
+        filters == Filters::On ? SelectNear(couples, bodies, 0.0) : CoupleSelection(couples.size());
+    return FindInCouples<TriangleHit>(
+        couples, selection, procedure.stops_at_first_hit, [&](const KeyBodyPair& couple) {
+            return FindHit(*couple.First()->Hierarchy(), *couple.Second()->Hierarchy(),
+                           procedure.records_triangles, filters);
+        });
 }
 
 CollisionPairResult PairResultOf(const KeyBodyPair& couple, const TriangleHit& hit, bool records_triangles) {
@@ -48,15 +53,17 @@ CollisionPairResult PairResultOf(const KeyBodyPair& couple, const TriangleHit& h
 
 bool CollisionDetector::Check(ICollisionConfiguration& configuration) {
     configuration.UpdateBodies();
-    const auto& couples = PrepareCouples<IPairsProvider>(configuration);
-    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop), filters_).empty();
+    const auto bodies = configuration.RetrieveElements();
+    const auto& couples = PrepareCouples<IPairsProvider>(configuration, bodies);
+    const Procedure procedure = ProcedureOf(CheckPolicy::FirstInterferenceStop);
+    return !CheckCouples(couples, bodies, procedure, filters_).empty();
 }
 
 CollisionResult& CollisionDetector::Check(CollisionResult& result,
                                           ICollisionConfiguration& configuration,
                                           CheckPolicy policy) {
-    const auto check_couples = [this](const CoupleTable& couples, const Procedure& procedure) {
-        return CheckCouples(couples, procedure, filters_);
+    const auto check_couples = [this](const auto&... arguments) {
+        return CheckCouples(arguments..., filters_);
     };
     return CheckByPolicy<IPairsProvider>(result, configuration, policy, check_couples, PairResultOf);
 }

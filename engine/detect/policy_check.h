@@ -9,7 +9,7 @@
 namespace tarn::details {
 
 /// A check of either kind under a policy, in the order of steps that the detectors promise: placements,
-/// policy, couples, result. `check_couples(couples, procedure)` returns the hits in couple order,
+/// policy, couples, result. `check_couples(couples, bodies, procedure)` returns the hits in couple order,
 /// `pair_result_of(couple, finding, records_triangles)` makes a record of one. `result` is replaced as a
 /// whole; after an exception it is as it was.
 template <typename Provider,
@@ -24,8 +24,9 @@ Result& CheckByPolicy(Result& result,
                       PairResultOf pair_result_of) {
     configuration.UpdateBodies();
     const Procedure procedure = ProcedureOf(policy);
-    const auto& couples = PrepareCouples<Provider>(configuration);
-    const auto hits = check_couples(couples, procedure);
+    const auto bodies = configuration.RetrieveElements();
+    const auto& couples = PrepareCouples<Provider>(configuration, bodies);
+    const auto hits = check_couples(couples, bodies, procedure);
 
     Result checked;
     checked.Pairs.reserve(hits.size());

@@ -2,6 +2,7 @@
 
 #include "config/proximity_body_pair.h"
 #include "core/collision_body.h"
+#include "detect/broad_phase.h"
 #include "detect/check_preparation.h"
 #include "detect/configuration_dump.h"
 #include "detect/couple_loop.h"
@@ -9,6 +10,8 @@
 #include "detect/policy_check.h"
 #include "detect/proximity_search.h"
 
+#include <algorithm>
+#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -25,12 +28,25 @@ std::optional<ProximityFinding> Find(const ProximityKeyBodyPair& couple, Filters
     return IsReported(finding.outcome) ? std::optional(finding) : std::nullopt;
 }
 
+/// The largest clearance of any couple, by magnitude: a negative one counts by its square. NaN counts not:
+/// what overlaps is near at any reach.
+double LargestClearance(const ProximityCoupleTable& couples) {
+    double largest = 0.0;
+    for (const ProximityKeyBodyPair& couple : couples)
+        largest = std::max(largest, std::abs(couple.Clearance()));
+    return largest;
+}
+
 /// Measures all couples, or until the first one to be reported.
 std::vector<CoupleHit<ProximityFinding>> CheckCouples(const ProximityCoupleTable& couples,
+                                                      const std::vector<ICollisionBody*>& bodies,
                                                       const Procedure& procedure,
                                                       Filters filters) {
+    const CoupleSelection selection = filters == Filters::On
+                                          ? SelectNear(couples, bodies, LargestClearance(couples))
+                                          : CoupleSelection(couples.size());
     return FindInCouples<ProximityFinding>(
-        couples, procedure.stops_at_first_hit,
+        couples, selection, procedure.stops_at_first_hit,
         [filters](const ProximityKeyBodyPair& couple) { return Find(couple, filters); });
 }
 
@@ -53,15 +69,17 @@ ProximityPairResult PairResultOf(const ProximityKeyBodyPair& couple,
 
 bool ProximityDetector::Check(IProximityConfiguration& configuration) {
     configuration.UpdateBodies();
-    const auto& couples = PrepareCouples<IProximityPairsProvider>(configuration);
-    return !CheckCouples(couples, ProcedureOf(CheckPolicy::FirstInterferenceStop), filters_).empty();
+    const auto bodies = configuration.RetrieveElements();
+    const auto& couples = PrepareCouples<IProximityPairsProvider>(configuration, bodies);
+    const Procedure procedure = ProcedureOf(CheckPolicy::FirstInterferenceStop);
+    return !CheckCouples(couples, bodies, procedure, filters_).empty();
 }
 
 ProximityResult& ProximityDetector::Check(ProximityResult& result,
                                           IProximityConfiguration& configuration,
                                           CheckPolicy policy) {
-    const auto check_couples = [this](const ProximityCoupleTable& couples, const Procedure& procedure) {
-        return CheckCouples(couples, procedure, filters_);
+    const auto check_couples = [this](const auto&... arguments) {
+        return CheckCouples(arguments..., filters_);
     };
     return CheckByPolicy<IProximityPairsProvider>(result, configuration, policy, check_couples, PairResultOf);
 }

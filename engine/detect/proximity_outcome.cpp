@@ -41,9 +41,12 @@ ProximityOutcome MeasureProximity(ICollisionBody* first, ICollisionBody* second,
 
 std::vector<ProximityPairOutcome> MeasureProximity(IProximityConfiguration& configuration) {
     configuration.UpdateBodies();
-    const ProximityCoupleTable& couples = PrepareCouples<details::IProximityPairsProvider>(configuration);
+    const auto bodies = configuration.RetrieveElements();
+    const ProximityCoupleTable& couples =
+        PrepareCouples<details::IProximityPairsProvider>(configuration, bodies);
     const auto hits = details::FindInCouples<ProximityOutcome>(
-        couples, false, [](const ProximityKeyBodyPair& couple) -> std::optional<ProximityOutcome> {
+        couples, details::CoupleSelection(couples.size()), false,
+        [](const ProximityKeyBodyPair& couple) -> std::optional<ProximityOutcome> {
             const ProximityOutcome outcome = Measure(*couple.First(), *couple.Second(), couple.Clearance());
             return IsKept(outcome) ? std::optional(outcome) : std::nullopt;
         });
