@@ -2,6 +2,7 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box.h"
+#include "core/parallel.h"
 #include "core/plane.h"
 #include "core/triangle.h"
 
@@ -17,10 +18,10 @@ namespace {
 /// Covers the rounding of a half extent to single precision, and of its sum with the centre.
 constexpr double kHalfGrowth = 1.0 + 0x1p-22;
 
+/// Nodes whose boxes and slabs a task sets up: some microseconds each.
+constexpr std::size_t kNodeChunk = 32;
 /// Runs of triangles longer than this have no slab: few of them are thin, and it would take time to find out.
-constexpr std::size_t kSlabTriangles = 64;
-/// The normals of single triangles are tried in runs up to this; in longer ones the mean normal serves.
-constexpr std::size_t kTriedNormals = 5;
+constexpr std::size_t kSlabTriangles = 24;
 
 struct Interval {
     float centre;
@@ -60,9 +61,9 @@ Slab SlabAlong(const Vector3& normal, std::span<const Triangle> triangles, const
     return slab;
 }
 
-/// The thinnest slab among those along the normals of some triangles and along their mean.
-Slab ThinnestSlab(std::span<const Triangle> triangles, const Vector3& origin) {
-    Slab thinnest;
+/// The thinner one of the slabs along the mean normal and along the normal of the largest triangle.
+Slab ThinSlab(std::span<const Triangle> triangles, const Vector3& origin) {
+    Slab thin;
     double least = std::numeric_limits<double>::infinity();
     const auto attempt = [&](const Vector3& normal) {
         const Slab slab = SlabAlong(NarrowUnit(normal), triangles, origin);
@@ -70,19 +71,19 @@ Slab ThinnestSlab(std::span<const Triangle> triangles, const Vector3& origin) {
         // Along directions that are no numbers, nothing has a place: the slab stays turned inside out.
         if (!(width >= 0.0 && width < least)) return;
         least = width;
-        thinnest = slab;
+        thin = slab;
     };
-    if (triangles.empty() || triangles.size() > kSlabTriangles) return thinnest;
-    const Vector3 first = Normal(triangles[0]);
+    if (triangles.empty() || triangles.size() > kSlabTriangles) return thin;
     Vector3 sum{};
+    Vector3 largest{};
     for (const Triangle& triangle : triangles) {
         const Vector3 normal = Normal(triangle);
-        sum = Dot(normal, first) < 0.0 ? sum - normal : sum + normal;
+        sum = Dot(normal, sum) < 0.0 ? sum - normal : sum + normal;
+        if (LengthSquared(normal) > LengthSquared(largest)) largest = normal;
     }
     attempt(sum);
-    if (triangles.size() > kTriedNormals) return thinnest;
-    for (const Triangle& triangle : triangles) attempt(Normal(triangle));
-    return thinnest;
+    if (triangles.size() > 1) attempt(largest);
+    return thin;
 }
 
 /// The nodes below one that make a wide node: its children, the largest of which is opened until there are
@@ -118,6 +119,21 @@ private:
     std::size_t count_ = 0;
 };
 
+/// Writes box and slab of a binary node into a lane.
+void SetShape(const AABBHierarchyNode& binary, const Vector3& origin, std::size_t lane, WideNode& node) {
+    const Box box = binary.LocalBox();
+    const Slab slab = ThinSlab(binary.LocalTrianglesBelow(), origin);
+    for (int axis = 0; axis < 3; ++axis) {
+        const Interval interval = Narrow(box.min[axis] - origin[axis], box.max[axis] - origin[axis]);
+        node.centre[axis][lane] = interval.centre;
+        node.half[axis][lane] = interval.half;
+        node.slab_normal[axis][lane] = static_cast<float>(slab.normal[axis]);
+    }
+    const Interval interval = Narrow(slab.min, slab.max);
+    node.slab_centre[lane] = interval.centre;
+    node.slab_half[lane] = interval.half;
+}
+
 }  // namespace
 
 WideHierarchy::WideHierarchy(std::span<const AABBHierarchyNode> nodes) {
@@ -132,35 +148,28 @@ WideHierarchy::WideHierarchy(std::span<const AABBHierarchyNode> nodes) {
     // Children join at the end, so the loop comes to them in their turn.
     for (std::uint32_t parent = 0; parent < nodes_.size(); ++parent) {
         for (std::uint32_t lane = 0; lane < nodes_[parent].count; ++lane) {
-            const std::uint32_t index = nodes_[parent].child[lane];
+            const std::uint32_t index = nodes_[parent].binary[lane];
             const std::uint32_t child =
                 first[index].IsLeaf() ? index | kLeafBit : Append(Members(first[index]).All(), first);
             nodes_[parent].child[lane] = child;
         }
     }
+    ParallelFor(nodes_.size(), kNodeChunk, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            WideNode& node = nodes_[i];
+            for (std::uint32_t lane = 0; lane < node.count; ++lane)
+                SetShape(first[node.binary[lane]], origin_, lane, node);
+        }
+    });
 }
 
 std::uint32_t WideHierarchy::Append(std::span<const AABBHierarchyNode* const> members,
                                     const AABBHierarchyNode* first) {
     WideNode& node = nodes_.emplace_back();
     node.count = static_cast<std::uint32_t>(members.size());
-    for (std::size_t lane = 0; lane < members.size(); ++lane) {
-        const Box box = members[lane]->LocalBox();
-        for (int axis = 0; axis < 3; ++axis) {
-            const auto [centre, half] = Narrow(box.min[axis] - origin_[axis], box.max[axis] - origin_[axis]);
-            node.centre[axis][lane] = centre;
-            node.half[axis][lane] = half;
-        }
-        const Slab slab = ThinnestSlab(members[lane]->LocalTrianglesBelow(), origin_);
-        for (int axis = 0; axis < 3; ++axis)
-            node.slab_normal[axis][lane] = static_cast<float>(slab.normal[axis]);
-        const auto [centre, half] = Narrow(slab.min, slab.max);
-        node.slab_centre[lane] = centre;
-        node.slab_half[lane] = half;
+    std::ranges::fill(node.binary, kLeafBit);
+    for (std::size_t lane = 0; lane < members.size(); ++lane)
         node.binary[lane] = static_cast<std::uint32_t>(members[lane] - first);
-        node.child[lane] = node.binary[lane];
-    }
-    for (std::size_t lane = members.size(); lane < WideNode::kLanes; ++lane) node.binary[lane] = kLeafBit;
     return static_cast<std::uint32_t>(nodes_.size() - 1);
 }
 

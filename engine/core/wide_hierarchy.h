@@ -64,8 +64,8 @@ public:
     const Vector3& Origin() const { return origin_; }
 
 private:
-    /// Adds a node over the given binary nodes, whose indices count from `first`, and returns its index. The
-    /// children are those indices as yet.
+    /// Adds a node over the given binary nodes, whose indices count from `first`, without any shapes as yet,
+    /// and returns its index.
     std::uint32_t Append(std::span<const AABBHierarchyNode* const> members, const AABBHierarchyNode* first);
 
     Vector3 origin_;

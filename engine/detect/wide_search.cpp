@@ -22,38 +22,44 @@ constexpr int kSplitLevels = 8;
 /// Sines below this make no direction.
 constexpr double kSmallestSineSquared = 1e-3;
 
-/// Half of a view: the matrices, for the rotation that `rotation(i, j)` gives.
-template <typename Rotation>
-WideView ViewOf(const RelativeFrame& frame, Rotation rotation) {
+/// One over the sine between two directions, or 0 where they are nearly parallel. In depth, where it only
+/// matters whether a gap is positive, 1 serves as well: a cross product is no longer than that.
+float InverseSine(const RelativeFrame& frame, SearchOrder order, double cosine) {
+    if (order == SearchOrder::InDepth) return 1.0F;
+    // Axes that are not quite unit vectors have a cross product that is longer than the sine.
+    const double sine_squared = 1.0 - cosine * cosine + 8.0 * frame.Skew();
+    const double inverse = sine_squared > kSmallestSineSquared ? 1.0 / std::sqrt(sine_squared) : 0.0;
+    return static_cast<float>(inverse * (1.0 - 0x1p-22));
+}
+
+WideView ViewFromFirst(const RelativeFrame& frame, SearchOrder order) {
     WideView view{};
     view.margin = static_cast<float>(frame.WideMargin() * (1.0 + 0x1p-22));
     for (int i = 0; i < 3; ++i) {
+        view.offset[i] = static_cast<float>(frame.Offset()[i]);
         for (int j = 0; j < 3; ++j) {
-            const double r = rotation(i, j);
+            const double r = frame.Rotation()[i][j];
             view.rotation[i][j] = static_cast<float>(r);
             view.magnitude[i][j] = static_cast<float>(std::abs(r));
-            // Axes that are not quite unit vectors have a cross product that is longer than the sine.
-            const double sine_squared = 1.0 - r * r + 8.0 * frame.Skew();
-            const double inverse = sine_squared > kSmallestSineSquared ? 1.0 / std::sqrt(sine_squared) : 0.0;
-            view.inverse_sine[i][j] = static_cast<float>(inverse * (1.0 - 0x1p-22));
+            view.inverse_sine[i][j] = InverseSine(frame, order, r);
         }
     }
     return view;
 }
 
-WideView ViewFromFirst(const RelativeFrame& frame) {
+/// The same from the other side.
+WideView ViewFromSecond(const RelativeFrame& frame, const WideView& from_first) {
+    WideView view{};
+    view.margin = from_first.margin;
     const auto& r = frame.Rotation();
-    WideView view = ViewOf(frame, [&](int i, int j) { return r[i][j]; });
-    for (int i = 0; i < 3; ++i) view.offset[i] = static_cast<float>(frame.Offset()[i]);
-    return view;
-}
-
-WideView ViewFromSecond(const RelativeFrame& frame) {
-    const auto& r = frame.Rotation();
-    WideView view = ViewOf(frame, [&](int i, int j) { return r[j][i]; });
     const Vector3& t = frame.Offset();
     for (int i = 0; i < 3; ++i) {
         view.offset[i] = static_cast<float>(-(r[0][i] * t.x + r[1][i] * t.y + r[2][i] * t.z));
+        for (int j = 0; j < 3; ++j) {
+            view.rotation[i][j] = from_first.rotation[j][i];
+            view.magnitude[i][j] = from_first.magnitude[j][i];
+            view.inverse_sine[i][j] = from_first.inverse_sine[j][i];
+        }
     }
     return view;
 }
@@ -81,7 +87,8 @@ void VisitNearLeafPairs(const AABBHierarchy& first,
                         SearchOrder order,
                         SearchLimit& limit,
                         FunctionRef<void(const NodePair& leaves)> visit) {
-    const WideTask task{order, first, second, ViewFromFirst(frame), ViewFromSecond(frame), limit, visit};
+    const WideView from_first = ViewFromFirst(frame, order);
+    const WideTask task{order, first, second, from_first, ViewFromSecond(frame, from_first), limit, visit};
     constexpr std::size_t kUsualDepth = 128;
     std::vector<WidePair> pending;
     pending.reserve(kUsualDepth);
