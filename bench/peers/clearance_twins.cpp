@@ -92,9 +92,15 @@ public:
     DistanceQuestion(const Lazy<SeparatedPair>& pair, double clearance)
         : pair_(pair),
           clearance_(clearance),
-          excess_(1e-9 * pair_->diagonal) {
+          excess_(1e-9 * pair_->diagonal),
+          configuration_(make_unique_proximity_configuration()),
+          detector_(make_unique_proximity_detector()) {
+        configuration_->AddElement(pair_->still);
+        configuration_->AddElement(pair_->moved);
+        configuration_->ConfigAllCouples({true, clearance_});
         for (const MATRIX& pose : pair_->poses) {
-            const ProximityOutcome own = Tarn(pose);
+            pair_->moved->SetMatrix(pose);
+            const ProximityOutcome own = MeasureProximity(pair_->still, pair_->moved, clearance_);
             const double distance = PeerDistance(pair_->first_peer, {}, pair_->second_peer, pose).distance;
             tally_.Add(own);
             digest_.Add(own);
@@ -104,7 +110,12 @@ public:
     }
 
     std::size_t PoseCount() const override { return pair_->poses.size(); }
-    void AskTarn(std::size_t pose) override { benchmark::DoNotOptimize(Tarn(pair_->poses[pose])); }
+    void AskTarn(std::size_t pose) override {
+        pair_->moved->SetMatrix(pair_->poses[pose]);
+        ProximityResult result;
+        detector_->Check(result, *configuration_, CheckPolicy::AllInterferences);
+        benchmark::DoNotOptimize(result.Pairs.data());
+    }
     void AskPeer(std::size_t pose) override {
         benchmark::DoNotOptimize(
             PeerDistance(pair_->first_peer, {}, pair_->second_peer, pair_->poses[pose], clearance_));
@@ -125,16 +136,13 @@ public:
     }
 
 private:
-    ProximityOutcome Tarn(const MATRIX& pose) {
-        pair_->moved->SetMatrix(pose);
-        return MeasureProximity(pair_->still, pair_->moved, clearance_);
-    }
-
     Lazy<SeparatedPair> pair_;
     double clearance_;
     ProximityTally tally_;
     Digest digest_;
     Excess excess_;
+    std::unique_ptr<IProximityConfiguration> configuration_;
+    std::unique_ptr<IProximityDetector> detector_;
     std::size_t near_ = 0;
 };
 
