@@ -1,9 +1,10 @@
 # Thin targets over the bootstrap script and the CMake presets. `make help` lists them.
-.PHONY: help demo test asan tsan coverage bench peers fuzz reference format clean
+.PHONY: help demo test stress asan tsan coverage bench peers fuzz reference format clean
 
 help:
 	@echo "make demo      build, make a small assembly and check it"
 	@echo "make test      build and run the tests"
+	@echo "make stress    the random tests of all filters against the plain rules, for longer: ROUNDS=50 times as many"
 	@echo "make asan      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make tsan      the tests under ThreadSanitizer"
 	@echo "make coverage  the tests, and what they reach"
@@ -23,6 +24,12 @@ test:
 	@scripts/bootstrap build
 	@scripts/build release
 	ctest --preset release
+
+stress:
+	@scripts/bootstrap build
+	@scripts/build release tarn_detect_tests
+	TARN_STRESS=$(or $(ROUNDS),50) build/release/bin/tarn_detect_tests \
+	    --gtest_filter='Filters.*:HierarchyTraversal.Finds*:ProximitySearch.FindsWhat*'
 
 asan:
 	@scripts/bootstrap build check
