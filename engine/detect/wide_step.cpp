@@ -146,7 +146,7 @@ HWY_INLINE void LookAt(const WideView& view,
 
 /// A smaller limit would leave out too much.
 float RoundUp(double limit_squared) {
-    constexpr double kLargest = std::numeric_limits<float>::max();
+    constexpr auto kLargest = static_cast<double>(std::numeric_limits<float>::max());
     return static_cast<float>(std::min(limit_squared, kLargest)) * (1.0F + 0x1p-22F);
 }
 
