@@ -151,13 +151,14 @@ private:
     /// between them is no number and may lie within the clearance.
     std::uint64_t CountRetained(double bound, bool* has_unknown) const {
         std::uint64_t count = 0;
+        // Below the threshold, a touching pair beyond the clearance, which hides the others, would be missed.
+        const double best = std::max(clearance_squared_, kTouchDistanceSquared);
         VisitLeafPairs(
             first_, second_, [&](const NodePair& pair) { return IsWithin(BoxDistance(pair), bound); },
             [&](const NodePair& leaves) {
                 ++count;
                 if (has_unknown && !*has_unknown && MayBeUnknown(leaves))
-                    *has_unknown =
-                        leaf_distance_.Measure(leaves, clearance_squared_, Filters::Off).has_unknown;
+                    *has_unknown = leaf_distance_.Measure(leaves, best, Filters::Off).has_unknown;
                 return false;
             });
         return count;

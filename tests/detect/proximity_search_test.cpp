@@ -303,6 +303,17 @@ TEST(ProximitySearch, DoesNotJudgeWhereADistanceIsNoNumber) {
     }
     EXPECT_EQ(FindsAsPlain(box, alone, 10.0).outcome.state, ProximityState::Touching);
     EXPECT_EQ(FindsAsPlain(box, beside, 10.0).outcome.state, ProximityState::BeyondClearance);
+
+    // A triangle that touches, farther out than the clearance, hides the sliver in its leaf.
+    const TriangleData floor{0, 0, 0, 4, 0, 0, 0, 4, 0};
+    const Mesh leaves{{0, 0, 0.02, 4, 0, 0.02, 0, 4, 0.02},
+                      {1, 1, 0.005, 2, 1, 0.005, 3, 1, 0.005},
+                      {3.9, 3.9, 0, 5, 3.9, 0, 3.9, 5, 0}};
+    Scene pairs(2);
+    CollisionBody& hidden = *pairs.AddBody(leaves);
+    const ProximityOutcome found = FindsAsPlain(*pairs.AddBody(Mesh{floor}), hidden, 0.01).outcome;
+    EXPECT_EQ(found.state, ProximityState::BeyondClearance);
+    EXPECT_TRUE(found.touches && found.is_judged);
 }
 
 TEST(ProximitySearch, CountsAsTouchingBelowTheThresholdOnly) {
