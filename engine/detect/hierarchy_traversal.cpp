@@ -20,9 +20,10 @@ TriangleHit FirstHit(const AABBHierarchy& first,
     LeafTest leaf_test(std::max(first.LeafNumber(), second.LeafNumber()));
     TriangleHit hit;
     VisitLeafPairs(first, second, admits, [&](const NodePair& leaves) {
-        if (frame.LeavesAreApart(*leaves.first, *leaves.second)) return false;
         hit = leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
                                      second.WorldTriangles(*leaves.second));
+        // Few come this far. That leaves are apart takes as long to see as the tree is deep.
+        if (hit && frame.LeavesAreApart(*leaves.first, *leaves.second)) hit = {};
         return static_cast<bool>(hit);
     });
     return hit;

@@ -75,9 +75,10 @@ ProximityFinding SearchProximity(const AABBHierarchy& first, const AABBHierarchy
         },
         [&](const NodePair& leaves) {
             const bool is_tested = Overlap(first.WorldBox(*leaves.first), second.WorldBox(*leaves.second));
-            if (!is_tested && !frame.LeavesAreApart(*leaves.first, *leaves.second) &&
+            if (!is_tested &&
                 leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
-                                       second.WorldTriangles(*leaves.second)))
+                                       second.WorldTriangles(*leaves.second)) &&
+                !frame.LeavesAreApart(*leaves.first, *leaves.second))
                 return true;
             if (bound > 0.0) retained.Add(leaves, distance);
             return false;

@@ -7,7 +7,7 @@ namespace tarn::details {
 class AABBHierarchy;
 
 /// Searches for the distance of two hierarchies at their current placements. This is the rule; what is faster
-/// finds the same (see `FindNearest`).
+/// finds the same (see `SearchProximityFast`).
 ///  (1) The bound starts at the squared clearance and is tightened (see `TightenBound`).
 ///  (2) Leaf pairs, in traversal order (see `VisitLeafPairs`), are retained where their boxes are nearer than
 ///      the bound. Where the bound is not above 0, which retains none, those whose boxes overlap are still

@@ -6,11 +6,14 @@
 namespace tarn::details {
 
 /// Whether a leaf pair comes before another one in traversal order (see `VisitLeafPairs`), without a descent:
-/// follows the splits above both until they part. Takes time in proportion to the depth of the trees.
+/// follows the splits above both until they part. Takes time in proportion to the depth of the trees, unless
+/// one pair is ahead in both of them: then it comes first whichever is split.
 inline bool ComesBefore(const AABBHierarchy& first,
                         const AABBHierarchy& second,
                         const NodePair& leaves,
                         const NodePair& others) {
+    if (leaves.first >= others.first && leaves.second >= others.second) return false;
+    if (leaves.first <= others.first && leaves.second <= others.second) return true;
     NodePair pair{&first.Root(), &second.Root()};
     while (!pair.first->IsLeaf() || !pair.second->IsLeaf()) {
         const bool splits_first = SplitsFirst(pair);
