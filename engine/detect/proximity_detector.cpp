@@ -29,9 +29,10 @@ std::optional<ProximityFinding> Find(const ProximityKeyBodyPair& couple, Filters
 }
 
 /// The largest clearance of any couple, by magnitude: a negative one counts by its square. NaN counts not:
-/// what overlaps is near at any reach.
+/// what overlaps is near at any reach. At least the gap up to which squares round to 0, as of boxes that
+/// overlap.
 double LargestClearance(const ProximityCoupleTable& couples) {
-    double largest = 0.0;
+    double largest = 0x1p-537;
     for (const ProximityKeyBodyPair& couple : couples)
         largest = std::max(largest, std::abs(couple.Clearance()));
     return largest;

@@ -116,5 +116,20 @@ TEST(Filters, ChangeNoAnswerOfAnyPolicyAtAnyNumberOfThreads) {
     EXPECT_GT(near, crossing) << "hardly any clearance is tight: the test shows little";
 }
 
+// Boxes whose squared distance is too small for a number count as overlapping, among many bodies as well.
+TEST(Filters, SeeGapsWhoseSquareIsNothing) {
+    test::Scene scene;
+    scene.AddBody(test::Mesh{{-4, -1, 0, 0, 0, 0, -4, 1, 0}});
+    scene.AddBody(test::Mesh{{4, 0, -1, 1e-170, 0, 0, 4, 0, 1}});
+    for (int i = 0; i < 18; ++i) scene.AddBody(test::BoxMesh(20 + i, 20, 20, 20.5 + i, 21, 21));
+    IProximityConfiguration& clearances = scene.Clearances();
+    clearances.ConfigAllCouples({true, 0.0});
+    ProximityResult plain;
+    ProximityResult found;
+    ProximityDetector(Filters::Off).Check(plain, clearances, CheckPolicy::AllInterferences);
+    EXPECT_EQ(plain.Pairs.size(), 1U);
+    ExpectSame(ProximityDetector().Check(found, clearances, CheckPolicy::AllInterferences), plain);
+}
+
 }  // namespace
 }  // namespace tarn::details
