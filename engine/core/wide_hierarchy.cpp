@@ -87,7 +87,7 @@ Slab ThinSlab(std::span<const Triangle> triangles, const Vector3& origin) {
 }
 
 /// The nodes below one that make a wide node: its children, the largest of which is opened until there are
-/// four or only leaves are left. They stay in the order of the binary tree.
+/// eight or only leaves are left. They stay in the order of the binary tree.
 class Members {
 public:
     explicit Members(const AABBHierarchyNode& node) {
@@ -139,7 +139,7 @@ void SetShape(const AABBHierarchyNode& binary, const Vector3& origin, std::size_
 WideHierarchy::WideHierarchy(std::span<const AABBHierarchyNode> nodes) {
     const Box root = nodes[0].LocalBox();
     origin_ = 0.5 * (root.min + root.max);
-    // A wide node stands for up to three inner nodes of the binary tree, mostly for two or three.
+    // A wide node stands for up to seven inner nodes of the binary tree.
     nodes_.reserve(nodes.size() / 4 + 2);
 
     const AABBHierarchyNode* const first = nodes.data();

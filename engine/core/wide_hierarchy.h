@@ -12,7 +12,7 @@ namespace tarn::details {
 
 class AABBHierarchyNode;
 
-/// Up to four boxes side by side, in single precision, as wide instructions want them. Each comes with a slab:
+/// Up to eight boxes side by side, in single precision, as wide instructions want them. Each comes with a slab:
 /// a pair of parallel planes, in the direction in which the triangles below are thin, that holds them all. It
 /// does for tilted faces what the box does for those along an axis.
 struct alignas(64) WideNode {
@@ -35,10 +35,10 @@ struct alignas(64) WideNode {
 };
 static_assert(sizeof(WideNode) == 448, "a node is seven cache lines");
 
-/// One box of a wide node: four times the node's index, plus the lane.
+/// One box of a wide node: eight times the node's index, plus the lane.
 using WideItem = std::uint32_t;
 
-/// The boxes of a binary tree once more, four children to a node, to find out fast which leaves are worth a
+/// The boxes of a binary tree once more, eight children to a node, to find out fast which leaves are worth a
 /// closer look. It decides nothing: each box contains the local box that it stands for, and each slab the
 /// triangles, up to roundings of double precision, and they are little larger.
 ///
@@ -57,7 +57,8 @@ public:
     const WideNode& operator[](std::uint32_t index) const { return nodes_[index]; }
     std::size_t size() const { return nodes_.size(); }
 
-    /// Hands the normals of all slabs above a leaf, which is given by its index, to `visit`.
+    /// Hands the normals of all slabs above a leaf, which is given by its index, to `visit`; zero where there
+    /// is no slab.
     void VisitSlabNormalsAbove(std::uint32_t leaf, FunctionRef<void(const Vector3& normal)> visit) const;
 
     /// The point that all boxes are relative to, in element coordinates.

@@ -38,7 +38,7 @@ enum class SearchOrder : std::uint8_t {
 
 /// Descends the wide trees of two hierarchies together and visits their pairs of leaves. Left out are
 /// leaf pairs that the frame, which is rigid, shows to be farther apart than the limit; with a limit of 0,
-/// those that it shows apart. Four boxes are tested at a time, in single precision, by the widest
+/// those that it shows apart. Eight boxes are tested at a time, in single precision, by the widest
 /// instructions of the processor that runs it; so which pairs more than the near ones are visited depends on
 /// the machine.
 ///

@@ -17,7 +17,7 @@ namespace tarn::details::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
-/// Four, but for processors without any wide instructions.
+/// Up to eight.
 using Lanes = hn::CappedTag<float, WideNode::kLanes>;
 using V = hn::Vec<Lanes>;
 
@@ -78,7 +78,7 @@ HWY_INLINE void LookAtLanes(const WideView& view,
     }
     lower = hn::Max(lower, lower_b);
 
-    // The slabs: those of the four against the one box, then the other way round.
+    // The slabs: those of the lanes against the one box, then the other way round.
     float q[3];
     for (int j = 0; j < 3; ++j) {
         q[j] = r[0][j] * (single.centre[0][single_lane] - view.offset[0]) +
