@@ -119,10 +119,23 @@ private:
     std::size_t count_ = 0;
 };
 
+/// Whether a node has more triangles below than make a slab, as far as its outermost paths show: where these
+/// are long, as in chains of coinciding triangles, nobody has to walk to their ends.
+bool IsDeep(const AABBHierarchyNode& node) {
+    const AABBHierarchyNode* first = &node;
+    const AABBHierarchyNode* last = &node;
+    // Every step leaves at least one triangle aside.
+    for (std::size_t step = 0; step < kSlabTriangles; ++step) {
+        if (!first->IsLeaf()) first = first->FirstChild();
+        if (!last->IsLeaf()) last = last->SecondChild();
+    }
+    return !first->IsLeaf() || !last->IsLeaf();
+}
+
 /// Writes box and slab of a binary node into a lane.
 void SetShape(const AABBHierarchyNode& binary, const Vector3& origin, std::size_t lane, WideNode& node) {
     const Box box = binary.LocalBox();
-    const Slab slab = ThinSlab(binary.LocalTrianglesBelow(), origin);
+    const Slab slab = IsDeep(binary) ? Slab{} : ThinSlab(binary.LocalTrianglesBelow(), origin);
     for (int axis = 0; axis < 3; ++axis) {
         const Interval interval = Narrow(box.min[axis] - origin[axis], box.max[axis] - origin[axis]);
         node.centre[axis][lane] = interval.centre;
