@@ -404,7 +404,9 @@ TYPED_TEST(BasicConfigurationTest, RefusesWhatItCannotUseBeforeAnyChange) {
         refused.push_back(
             {"InvalidArgumentException: Parameter can't be negative: clearance",
              {[&] { c.ConfigCouple(one, one, below); }, [&] { c.ConfigCouple(&foreign, one, below); },
-              [&] { c.ConfigCouple(one, one, ProximitySetting{false, -1.0}); }}});
+              [&] {
+                  c.ConfigCouple(one, one, ProximitySetting{false, -1.0});
+              }}});
     }
     for (const auto& [text, calls] : refused) {
         for (const auto& call : calls) {
