@@ -399,7 +399,7 @@ TYPED_TEST(BasicConfigurationTest, RefusesWhatItCannotUseBeforeAnyChange) {
          {[&] { c.MergeConfiguration(&foreign_configuration, on, 0); },
           [&] { c.AppendDistinctConfiguration(&foreign_configuration, 0); }}}};
     if constexpr (TypeParam::kHasClearances) {
-        const ProximitySetting below{true, -std::numeric_limits<double>::denorm_min()};
+        static constexpr ProximitySetting below{true, -std::numeric_limits<double>::denorm_min()};
         refused[0].second.push_back([&] { c.ConfigCouple(one, nullptr, below); });
         refused.push_back(
             {"InvalidArgumentException: Parameter can't be negative: clearance",
