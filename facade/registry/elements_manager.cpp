@@ -156,7 +156,7 @@ std::vector<ElementsManager::Wrapper> ElementsManager::Get(const Elements& eleme
 void ElementsManager::KeepUntilUnlocked(Element element) const noexcept {
     const Lock lock(*this);
     try {
-        removed_.push_back({element, nullptr});
+        removed_.push_back({std::move(element), nullptr});
     } catch (...) {
         // Memory ran out: it goes now.
     }

@@ -23,7 +23,7 @@ ProximitySetting::ProximitySetting(bool enable, double clearance)
       clearance_(RequireNotNegative(clearance, "clearance")) {}
 
 ProximitySetting::ProximitySetting(const ProximitySetting& copy)
-    : Object(),
+    : Object(),  // NOLINT(readability-redundant-member-init): g++ warns of copies that leave it out
       enable_(copy.enable_),
       clearance_(copy.clearance_) {}
 

@@ -214,7 +214,8 @@ TEST(ProximitySearch, FindsTheSameAmongManyCandidatesAtAnyNumberOfThreads) {
     Mesh along_y;
     for (int i = 0; i < 330; ++i) {
         const double x = i % 19 / 16.0;
-        const double y = i / 19 / 16.0;
+        const int row = i / 19;
+        const double y = row / 16.0;
         along_x.push_back({x - 4, y, -4, x + 4, y, -4, x, y, 4});
         along_y.push_back({x, y - 4, 4, x, y + 4, 4, x, y, -4});
     }
