@@ -136,6 +136,7 @@ protected:
     std::size_t Below(std::size_t bound) { return static_cast<std::size_t>(random_() % bound); }
     auto OwnersOf(const std::vector<std::size_t>& numbers) const {
         std::vector<std::shared_ptr<ICollisionElementOwner>> owners;
+        owners.reserve(numbers.size());
         for (const std::size_t number : numbers) owners.push_back(owners_[number]);
         return owners;
     }

@@ -24,6 +24,7 @@ TEST(Object, DrawsAWordOfItsOwnWithSixteenBitsOnFirstRequest) {
     std::array<std::vector<std::uint32_t>, 4> words;
     std::barrier start(4);
     std::vector<std::thread> threads;
+    threads.reserve(words.size());
     for (auto& each : words) {
         threads.emplace_back([&] {
             start.arrive_and_wait();
