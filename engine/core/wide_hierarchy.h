@@ -3,7 +3,6 @@
 #include "core/function_ref.h"
 #include "core/vector3.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -53,9 +52,7 @@ public:
     explicit WideHierarchy(std::span<const AABBHierarchyNode> nodes);
 
     const WideNode& NodeOf(WideItem item) const { return nodes_[item / WideNode::kLanes]; }
-    std::uint32_t ChildOf(WideItem item) const { return NodeOf(item).child[item % WideNode::kLanes]; }
     const WideNode& operator[](std::uint32_t index) const { return nodes_[index]; }
-    std::size_t size() const { return nodes_.size(); }
 
     /// Hands the normals of all slabs above a leaf, which is given by its index, to `visit`; zero where there
     /// is no slab.
