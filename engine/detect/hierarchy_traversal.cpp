@@ -13,17 +13,12 @@ namespace tarn::details {
 namespace {
 
 template <typename Admits>
-TriangleHit FirstHit(const AABBHierarchy& first,
-                     const AABBHierarchy& second,
-                     const RelativeFrame& frame,
-                     Admits admits) {
+TriangleHit FirstHit(const AABBHierarchy& first, const AABBHierarchy& second, Admits admits) {
     LeafTest leaf_test(std::max(first.LeafNumber(), second.LeafNumber()));
     TriangleHit hit;
     VisitLeafPairs(first, second, admits, [&](const NodePair& leaves) {
         hit = leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
                                      second.WorldTriangles(*leaves.second));
-        // Few come this far. That leaves are apart takes as long to see as the tree is deep.
-        if (hit && frame.LeavesAreApart(*leaves.first, *leaves.second)) hit = {};
         return static_cast<bool>(hit);
     });
     return hit;
@@ -34,7 +29,7 @@ TriangleHit FirstHit(const AABBHierarchy& first,
 TriangleHit FindFirstHit(const AABBHierarchy& first, const AABBHierarchy& second) {
     // An empty tree has no box that placements and comparisons could act on.
     if (first.Root().IsEmpty() || second.Root().IsEmpty()) return {};
-    return FirstHit(first, second, RelativeFrame(first, second), [&](const NodePair& pair) {
+    return FirstHit(first, second, [&](const NodePair& pair) {
         return Overlap(first.WorldBox(*pair.first), second.WorldBox(*pair.second));
     });
 }
@@ -42,7 +37,7 @@ TriangleHit FindFirstHit(const AABBHierarchy& first, const AABBHierarchy& second
 TriangleHit FindFirstHitFiltered(const AABBHierarchy& first,
                                  const AABBHierarchy& second,
                                  const RelativeFrame& frame) {
-    return FirstHit(first, second, frame, [&](const NodePair& pair) {
+    return FirstHit(first, second, [&](const NodePair& pair) {
         return Overlap(first.WorldBox(*pair.first), second.WorldBox(*pair.second)) &&
                !frame.SubtreesAreApart(*pair.first, *pair.second);
     });

@@ -11,10 +11,7 @@ class RelativeFrame;
 /// triangle pair in traversal order (see `VisitLeafPairs`), or none. This is the rule by which triangles of
 /// bodies intersect; everything else that looks for hits finds the same, faster.
 ///  (1) Node pairs whose world boxes do not overlap are left out.
-///  (2) So are leaves that are shown apart as they are turned (see `RelativeFrame`). The triangle test does
-///      not normalise its signed values: by rounding noise alone it sees large coplanar faces cross that are
-///      far apart.
-///  (3) Other leaves are tested triangle by triangle (see `LeafTest`).
+///  (2) Other leaves are tested triangle by triangle (see `LeafTest`).
 /// Safe from any thread.
 TriangleHit FindFirstHit(const AABBHierarchy& first, const AABBHierarchy& second);
 

@@ -5,6 +5,7 @@
 #include "core/plane.h"
 #include "core/triangle_intersection.h"
 #include "detect/leaf_test.h"
+#include "detect/triangle_separation.h"
 
 #include <hwy/highway.h>
 
@@ -60,7 +61,9 @@ TriangleHit FirstHitHere(std::span<const Triangle> first_leaf,
             for (std::size_t j = begin; straddling != 0; ++j, straddling >>= 1U) {
                 if ((straddling & 1U) == 0 || j >= second_leaf.size()) continue;
                 const Triangle& second = second_leaf[j];
-                if (TrianglesIntersect(second, PlaneOf(second), first, plane)) return {&first, &second};
+                if (TrianglesIntersect(second, PlaneOf(second), first, plane) &&
+                    !AreShownApart(first, second))
+                    return {&first, &second};
             }
         }
     }

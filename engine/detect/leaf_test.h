@@ -25,8 +25,12 @@ struct alignas(32) TriangleGroup {
     double coordinate[9][kLanes];
 };
 
-/// Tests the triangles of leaf pairs. Holds the room for one leaf in groups, so one serves a whole descent. It
-/// allocates once, at the first leaf pair, and only where the trees' leaf numbers are large.
+/// Tests the triangles of leaf pairs: two triangles are a hit where `TrianglesIntersect` says so and they are
+/// not shown apart (see `AreShownApart`). The former does not normalise its signed values: by rounding noise
+/// alone it sees large coplanar faces cross that are far apart.
+///
+/// Holds the room for one leaf in groups, so one serves a whole descent. It allocates once, at the first leaf
+/// pair, and only where the trees' leaf numbers are large.
 class LeafTest {
 public:
     /// `most_triangles` is the larger of the two trees' leaf numbers.
@@ -34,8 +38,7 @@ public:
     LeafTest(const LeafTest&) = delete;
     LeafTest& operator=(const LeafTest&) = delete;
 
-    /// The first intersecting pair: triangles of the first leaf in order, against each those of the second in
-    /// order.
+    /// The first hit: triangles of the first leaf in order, against each those of the second in order.
     TriangleHit FindFirstHit(std::span<const Triangle> first_leaf, std::span<const Triangle> second_leaf);
 
 private:

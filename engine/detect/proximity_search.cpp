@@ -6,7 +6,6 @@
 #include "detect/hierarchy_traversal.h"
 #include "detect/leaf_distance.h"
 #include "detect/pair_descent.h"
-#include "detect/relative_frame.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -63,7 +62,6 @@ ProximityFinding SearchProximity(const AABBHierarchy& first, const AABBHierarchy
     if (FindFirstHit(first, second)) return FindingOfCrossing(clearance_squared);
 
     const double bound = TightenBound(first, second, clearance_squared);
-    const RelativeFrame frame(first, second);
     LeafTest leaf_test(std::max(first.LeafNumber(), second.LeafNumber()));
     RetainedLeaves retained(first, second, clearance_squared);
     double distance = 0.0;
@@ -75,10 +73,8 @@ ProximityFinding SearchProximity(const AABBHierarchy& first, const AABBHierarchy
         },
         [&](const NodePair& leaves) {
             const bool is_tested = Overlap(first.WorldBox(*leaves.first), second.WorldBox(*leaves.second));
-            if (!is_tested &&
-                leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
-                                       second.WorldTriangles(*leaves.second)) &&
-                !frame.LeavesAreApart(*leaves.first, *leaves.second))
+            if (!is_tested && leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
+                                                     second.WorldTriangles(*leaves.second)))
                 return true;
             if (bound > 0.0) retained.Add(leaves, distance);
             return false;

@@ -11,8 +11,7 @@ class AABBHierarchy;
 ///  (1) The bound starts at the squared clearance and is tightened (see `TightenBound`).
 ///  (2) Leaf pairs, in traversal order (see `VisitLeafPairs`), are retained where their boxes are nearer than
 ///      the bound. Where the bound is not above 0, which retains none, those whose boxes overlap are still
-///      tested for intersection. The first intersecting triangle pair ends the search; leaves that are shown
-///      apart are not tested (see `RelativeFrame`).
+///      tested for intersection. The first intersecting triangle pair (see `LeafTest`) ends the search.
 ///  (3) The retained leaf pairs are measured (see `LeafDistance`), but for those in which triangles touch; the
 ///      nearest wins, the first one in traversal order if several are.
 /// The clearance is taken as it stands: negative ones count by their square, NaN makes a bound that retains

@@ -148,8 +148,18 @@ TEST(HierarchyTraversal, TestsLargeLeaves) {
     EXPECT_TRUE(HitsAsPlain(first, second));
 }
 
+/// Whether some triangles of two bodies of one leaf each intersect by the triangle test alone.
+bool SeemToCross(const CollisionBody& first, const CollisionBody& second) {
+    for (const Triangle& a : test::PlainWorldTriangles(first.Hierarchy()->Root(), first.CurrentMatrix())) {
+        for (const Triangle& b :
+             test::PlainWorldTriangles(second.Hierarchy()->Root(), second.CurrentMatrix()))
+            if (TrianglesIntersect(b, PlaneOf(b), a, PlaneOf(a))) return true;
+    }
+    return false;
+}
+
 // By rounding noise the triangle test sees large faces of one plane cross that are far apart. World boxes of
-// turned plates overlap all the same.
+// turned plates overlap all the same. Every other placement is not rigid.
 TEST(HierarchyTraversal, LeavesOutWhatIsShownApart) {
     int noise = 0;
     Scene scene;
@@ -159,11 +169,12 @@ TEST(HierarchyTraversal, LeavesOutWhatIsShownApart) {
         Mesh{{3150, 0, 0, 6150, 0, 0, 3150, 3000, 0}, {6150, 3000, 0, 3150, 3000, 0, 6150, 0, 0}});
     for (unsigned seed = 0; seed < 150; ++seed) {
         std::mt19937_64 random(seed);
-        const MATRIX placement = test::RandomRigid(random, 50.0);
+        MATRIX placement = test::RandomRigid(random, 50.0);
+        if (seed % 2 != 0) placement[1] += 0.5;
         first.SetMatrix(placement);
         second.SetMatrix(placement);
         EXPECT_FALSE(HitsAsPlain(first, second)) << "seed " << seed;
-        noise += test::BruteForceHits(first, second).empty() ? 0 : 1;
+        noise += SeemToCross(first, second) ? 1 : 0;
     }
     EXPECT_GT(noise, 5) << "the plates are no test";
 }

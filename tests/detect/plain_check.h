@@ -3,7 +3,7 @@
 #include "core/collision_body.h"
 #include "core/plane.h"
 #include "core/triangle_intersection.h"
-#include "detect/relative_frame.h"
+#include "detect/triangle_separation.h"
 #include "detect/true_distance.h"
 
 #include "tarn/triangle_data.h"
@@ -15,8 +15,8 @@
 namespace tarn::test {
 
 /// The interference rules told once more without any thought of speed: every world box and triangle is
-/// computed from the placement when it is looked at, on one thread, and all hits are collected. Which leaves
-/// are shown apart is not told again, but whatever goes with that is held against the true distance.
+/// computed from the placement when it is looked at, on one thread, and all hits are collected. Which
+/// triangles are shown apart is not told again, but each is held against the true distance.
 inline std::vector<details::Triangle> PlainWorldTriangles(const details::AABBHierarchyNode& node,
                                                           const MATRIX& placement) {
     std::vector<details::Triangle> triangles;
@@ -30,26 +30,12 @@ inline void CollectPlainHits(const std::vector<details::Triangle>& first,
                              std::vector<TriangleDataPair>& hits) {
     for (const details::Triangle& i : first) {
         for (const details::Triangle& j : second) {
-            if (TrianglesIntersect(j, details::PlaneOf(j), i, details::PlaneOf(i))) hits.push_back({i, j});
+            if (!TrianglesIntersect(j, details::PlaneOf(j), i, details::PlaneOf(i))) continue;
+            if (details::AreShownApart(i, j))
+                EXPECT_GT(TrueDistanceSquared(i, j), 0.0) << "a right hit would be lost";
+            else
+                hits.push_back({i, j});
         }
-    }
-}
-
-/// The hits of two leaves, but for leaves that are shown apart.
-inline void CollectLeafHits(const details::CollisionBody& first,
-                            const details::AABBHierarchyNode& a,
-                            const details::CollisionBody& second,
-                            const details::AABBHierarchyNode& b,
-                            std::vector<TriangleDataPair>& hits) {
-    std::vector<TriangleDataPair> found;
-    CollectPlainHits(PlainWorldTriangles(a, first.CurrentMatrix()),
-                     PlainWorldTriangles(b, second.CurrentMatrix()), found);
-    if (found.empty()) return;
-    if (details::RelativeFrame(*first.Hierarchy(), *second.Hierarchy()).LeavesAreApart(a, b)) {
-        for (const TriangleDataPair& hit : found)
-            EXPECT_GT(TrueDistanceSquared(hit.first, hit.second), 0.0) << "a right hit would be lost";
-    } else {
-        hits.insert(hits.end(), found.begin(), found.end());
     }
 }
 
@@ -63,7 +49,7 @@ inline void CollectPlainHits(const details::CollisionBody& first,
     const MATRIX& to_b = second.CurrentMatrix();
     if (!Overlap(Place(to_a, a.LocalBox()), Place(to_b, b.LocalBox()))) return;
     if (a.IsLeaf() && b.IsLeaf()) {
-        CollectLeafHits(first, a, second, b, hits);
+        CollectPlainHits(PlainWorldTriangles(a, to_a), PlainWorldTriangles(b, to_b), hits);
     } else if (b.IsLeaf() || (!a.IsLeaf() && a.LocalBox().extent_sum >= b.LocalBox().extent_sum)) {
         CollectPlainHits(first, *a.FirstChild(), second, b, hits);
         CollectPlainHits(first, *a.SecondChild(), second, b, hits);

@@ -149,7 +149,7 @@ inline PlainFinding PlainProximity(const details::CollisionBody& first,
         // With a bound of 0 nothing is retained, but what crosses is found all the same.
         if (!is_retained && (outcome.bound > 0.0 || box_distance_squared != 0.0)) continue;
         std::vector<TriangleDataPair> hits;
-        CollectLeafHits(first, *a.node, second, *b.node, hits);
+        CollectPlainHits(a.Triangles(), b.Triangles(), hits);
         if (!hits.empty()) {
             finding.outcome = {};
             outcome.state = ProximityState::Intersecting;

@@ -24,7 +24,8 @@ namespace tarn {
 /// Limits, in the caller's length unit: the triangle test's tolerances are absolute and suit millimetres.
 /// Crossings of triangles with edges below about 0.01 are not seen, a contact through a triangle's first
 /// vertex and coplanar contact do not count, and coplanar faces with edges of about a thousand and more,
-/// turned or far from the origin, can be seen to cross though they are apart.
+/// turned or far from the origin, can be seen to cross where they lie flush. Triangles farther apart than
+/// 2e-5 of their longest edge never are.
 ///
 /// Every call first makes the pending placements current (`UpdateBodies`), then throws:
 ///  - `InvalidArgumentException` for a policy outside the list,

@@ -16,8 +16,8 @@ namespace tarn {
 /// A couple is reported when some of its triangles intersect, or when its measured distance is not above its
 /// clearance. What the check promises:
 ///  (1) Whatever `ICollisionDetector` sees to intersect is found, at any clearance. Under large clearances
-///      leaves whose boxes are apart are tested, too, and the rounding noise of large coplanar faces can make
-///      them cross.
+///      leaves whose boxes are apart are tested, too, and the rounding noise of large coplanar faces that lie
+///      flush can make them cross.
 ///  (2) The measured distance is never below the true distance, up to rounding; it need not reach it (see
 ///      below).
 ///  (3) The "all" policies report the same couples with the same distances, segments and triangles, in the
