@@ -20,17 +20,17 @@ bool AreShownApart(const TriangleData& a, const TriangleData& b);
 /// Triangles at least this far from each other are shown apart, whatever their shape. `longest_edge` is that
 /// of both; it is at least 1e-25 here, and coordinates are at most 1e45.
 ///
-/// Proof. Let d be their distance, m its direction, L the longest edge, d >= 4 cbrt(u) L (2e-5 is more). A unit
-/// vector within r of m leaves a gap of d (1 - r r / 2) - 2 r L: the triangles lie on either side of planes
-/// across m, no vertex farther than L from the nearest points. Rounding of gap and margin costs next to
-/// nothing of d, and so does that of vertex-to-edge vectors, 10 u (L + d). Cross products of two edges at an
-/// angle x are off by 4 sqrt(2) u / sin x. Nearest to each other are always one of these:
+/// Proof. Let d be their distance, m its direction, L the longest edge, d >= 4 cbrt(u) L (2e-5 is more). The
+/// triangles lie beyond two planes across m, no vertex farther than L from the nearest points, so a unit
+/// vector within r of m leaves a gap of d (1 - r r / 2) - 2 r L. Rounding of gap and margin costs next to
+/// nothing of d, and so does that of vectors from edges to vertices, 10 u (L + d). Cross products of edges at
+/// an angle x are off by 4 sqrt(2) u / sin x. Nearest to each other is always one of these:
 ///  (1) A vertex and a point of an edge: r = 0.
-///  (2) Points inside of two edges at an angle x, the shorter one l long; s = l sin x. Where s <= d d / (4 L),
+///  (2) Points inside of two edges at an angle x, the shorter one l long. With s = l sin x <= d d / (4 L),
 ///      move along both until one ends: from that vertex the other edge is off m by s / d at most, so
-///      2 r L <= d / 2, r <= 1 / 2. Elsewhere sin x > d d / (4 L L): their cross product has
+///      2 r L <= d / 2, and r <= 1 / 2 as s <= L. Elsewhere sin x > d d / (4 L L): their cross product has
 ///      2 r L < 32 sqrt(2) u L L L / (d d) < 0.71 d.
-///  (3) A vertex and a point inside of a triangle of least height h. Where h <= d d / (4 L), the longest edge
+///  (3) A vertex and a point inside of a triangle of least height h. With h <= d d / (4 L), the longest edge
 ///      is off m by h / d at most as the vertex sees it. Elsewhere the normal has r < 4 sqrt(2) u L / h. Both
 ///      go on as in (2).
 constexpr double GuaranteedSeparation(double longest_edge) {
