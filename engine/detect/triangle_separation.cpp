@@ -37,6 +37,16 @@ double SumOfSquares(const Vectors& points) {
     return LengthSquared(points[0]) + LengthSquared(points[1]) + LengthSquared(points[2]);
 }
 
+struct Range {
+    double min;
+    double max;
+};
+
+Range RangeOf(const Vectors& points, const Vector3& direction) {
+    const double at[3] = {Dot(direction, points[0]), Dot(direction, points[1]), Dot(direction, points[2])};
+    return {std::min(std::min(at[0], at[1]), at[2]), std::max(std::max(at[0], at[1]), at[2])};
+}
+
 /// From the nearest point of the edge to the point at `offset` from where the edge begins.
 Vector3 FromEdge(const Vector3& offset, const Vector3& edge) {
     const double length_squared = LengthSquared(edge);
@@ -65,13 +75,10 @@ private:
     bool IsGap(const Vector3& direction) const {
         const double length_squared = LengthSquared(direction);
         if (length_squared < kSmallestDirectionSquared) return false;
-        const auto range_of = [&](const Vectors& points) {
-            return std::minmax(
-                {Dot(direction, points[0]), Dot(direction, points[1]), Dot(direction, points[2])});
-        };
-        const auto [a_min, a_max] = range_of(a_points_);
-        const auto [b_min, b_max] = range_of(b_points_);
-        return std::max(b_min - a_max, a_min - b_max) > kMargin * std::sqrt(length_squared * reach_squared_);
+        const Range a = RangeOf(a_points_, direction);
+        const Range b = RangeOf(b_points_, direction);
+        const double gap = std::max(b.min - a.max, a.min - b.max);
+        return gap > 0.0 && gap > kMargin * std::sqrt(length_squared * reach_squared_);
     }
 
     /// Along the vectors from a triangle's edges to the vertices of the other.
