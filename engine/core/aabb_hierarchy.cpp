@@ -62,7 +62,8 @@ AABBHierarchy::AABBHierarchy(const std::vector<const Triangle*>& triangles,
             world_triangles_[i] = triangle;
         }
     });
-    wide_.emplace(Nodes());
+    triangle_count_ = triangles.size();
+    filter_ = OBBHierarchy::Build(Nodes(), LocalTriangles());
 }
 
 void AABBHierarchy::CopyNodes(const BuiltTree& built) {

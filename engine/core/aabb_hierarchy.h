@@ -2,8 +2,8 @@
 
 #include "core/aabb_hierarchy_visitor.h"
 #include "core/box.h"
+#include "core/obb_hierarchy.h"
 #include "core/triangle.h"
-#include "core/wide_hierarchy.h"
 
 #include "tarn/matrix.h"
 
@@ -110,8 +110,11 @@ public:
     std::span<const AABBHierarchyNode> Nodes() const { return {nodes_.get(), node_count_}; }
     std::uint16_t LeafNumber() const { return leaf_number_; }
     const MATRIX& Placement() const { return *placement_; }
-    /// The same boxes for fast filters. Only for trees that are not empty.
-    const WideHierarchy& Wide() const { return *wide_; }
+    /// The same triangles in single precision, for fast filters. Null where they do not fit into it, and where
+    /// there are none.
+    const OBBHierarchy* Filter() const { return filter_ ? &*filter_ : nullptr; }
+    /// All triangles in element coordinates, leaf by leaf.
+    std::span<const Triangle> LocalTriangles() const { return {local_triangles_.get(), triangle_count_}; }
 
     const Box& WorldBox(const AABBHierarchyNode& node) const {
         if (node.box_generation_.load(std::memory_order_acquire) != generation_) RefreshWorldBox(node);
@@ -141,9 +144,10 @@ private:
 
     std::unique_ptr<AABBHierarchyNode[]> nodes_;
     std::size_t node_count_ = 0;
+    std::size_t triangle_count_ = 0;
     std::unique_ptr<Triangle[]> local_triangles_;
     std::unique_ptr<Triangle[]> world_triangles_;
-    std::optional<WideHierarchy> wide_;
+    std::optional<OBBHierarchy> filter_;
     const MATRIX* placement_;
     std::uint32_t generation_;
     std::uint16_t leaf_number_;

@@ -2,12 +2,14 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box.h"
+#include "core/plane.h"
+#include "core/triangle.h"
+#include "core/triangle_intersection.h"
+#include "detect/filter_search.h"
 #include "detect/hierarchy_traversal.h"
 #include "detect/relative_frame.h"
-#include "detect/wide_search.h"
+#include "detect/triangle_separation.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <mutex>
 
 namespace tarn::details {
@@ -20,22 +22,28 @@ bool EndAtRoots(const AABBHierarchy& first, const AABBHierarchy& second) {
     return !Overlap(first.WorldBox(first.Root()), second.WorldBox(second.Root()));
 }
 
+/// By the rule of `LeafTest`.
+bool AreHit(const Triangle& first, const Triangle& second) {
+    return TrianglesIntersect(second, PlaneOf(second), first, PlaneOf(first)) &&
+           !AreShownApart(first, second);
+}
+
 }  // namespace
 
 Crossings SearchCrossings(const AABBHierarchy& first,
                           const AABBHierarchy& second,
                           const RelativeFrame& frame) {
-    const std::size_t most_triangles = std::max(first.LeafNumber(), second.LeafNumber());
+    const auto first_triangles = first.LocalTriangles();
+    const auto second_triangles = second.LocalTriangles();
     Crossings crossings;
     std::mutex access;
     SearchLimit limit(0.0);
-    VisitNearLeafPairs(first, second, frame, SearchOrder::InDepth, limit, [&](const NodePair& leaves) {
-        LeafTest leaf_test(most_triangles);
-        if (!leaf_test.FindFirstHit(first.WorldTriangles(*leaves.first),
-                                    second.WorldTriangles(*leaves.second)))
-            return;
-        // Few leaf pairs come this far, so it is here that the rule is asked which of them count.
-        if (frame.LeavesAreApart(*leaves.first, *leaves.second)) return;
+    const auto visit = [&](const LeafTriangle& a, const LeafTriangle& b) {
+        // Placed here and now, which gives the same bits as the trees' own world triangles.
+        const Triangle a_triangle = Place(first.Placement(), first_triangles[a.triangle]);
+        const Triangle b_triangle = Place(second.Placement(), second_triangles[b.triangle]);
+        if (!AreHit(a_triangle, b_triangle)) return;
+        const NodePair leaves{&first.Nodes()[a.leaf], &second.Nodes()[b.leaf]};
         const bool is_crossing = Overlap(first.WorldBox(*leaves.first), second.WorldBox(*leaves.second));
         const std::lock_guard lock(access);
         if (is_crossing) {
@@ -44,7 +52,8 @@ Crossings SearchCrossings(const AABBHierarchy& first,
         } else {
             crossings.beside_boxes.push_back(leaves);
         }
-    });
+    };
+    VisitNearTriangles(first, second, frame, SearchGoal::Crossings, limit, visit);
     return crossings;
 }
 

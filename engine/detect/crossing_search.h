@@ -10,7 +10,7 @@ namespace tarn::details {
 class AABBHierarchy;
 class RelativeFrame;
 
-/// Crossings among all leaf pairs that the frame of two hierarchies, which is rigid, does not show apart.
+/// What intersects of two hierarchies, whose frame is rigid.
 struct Crossings {
     /// Whether triangles intersect by the rule of `FindFirstHit`. If so, the search ended with that.
     bool found = false;
@@ -19,7 +19,7 @@ struct Crossings {
     std::vector<NodePair> beside_boxes;
 };
 
-/// Searches the wide trees, the deepest overlap first: the order does not matter here. What comes out is
+/// Searches the filter trees, the deepest overlap first: the order does not matter here. What comes out is
 /// judged by the rule.
 Crossings SearchCrossings(const AABBHierarchy& first,
                           const AABBHierarchy& second,

@@ -2,13 +2,15 @@
 
 #include "core/aabb_hierarchy.h"
 #include "core/box_distance.h"
+#include "core/triangle.h"
+#include "core/triangle_distance.h"
 #include "detect/bound_tightening.h"
 #include "detect/crossing_search.h"
+#include "detect/filter_search.h"
 #include "detect/leaf_distance.h"
 #include "detect/proximity_search.h"
 #include "detect/relative_frame.h"
 #include "detect/traversal_order.h"
-#include "detect/wide_search.h"
 
 #include <algorithm>
 #include <atomic>
@@ -35,25 +37,30 @@ public:
     double Best() const { return best_.load(std::memory_order_relaxed); }
     SearchLimit& Limit() { return limit_; }
 
+    /// The nearest of a leaf pair without a touching one.
     void Add(const NearestTriangles& measured) {
         const std::lock_guard lock(access_);
-        const bool touches = nearest_.touches || measured.touches;
-        if (Wins(measured)) {
-            nearest_ = measured;
-            best_.store(measured.distance_squared, std::memory_order_relaxed);
-            limit_.LowerTo(LimitFor(measured.distance_squared));
-        }
-        nearest_.touches = touches;
+        if (!Wins(measured)) return;
+        nearest_ = measured;
+        best_.store(measured.distance_squared, std::memory_order_relaxed);
+        limit_.LowerTo(LimitFor(measured.distance_squared));
     }
 
-    const NearestTriangles& Result() const { return nearest_; }
+    bool Touches() const { return touches_.load(std::memory_order_relaxed); }
+    void AddTouching() { touches_.store(true, std::memory_order_relaxed); }
+
+    NearestTriangles Result() const {
+        NearestTriangles result = nearest_;
+        result.touches = Touches();
+        return result;
+    }
 
 private:
     /// Touching leaf pairs have to be met whatever the best is.
     double LimitFor(double best) const { return std::max(best, kTouchDistanceSquared) + slack_; }
 
     bool Wins(const NearestTriangles& measured) const {
-        if (!measured.is_valid || !nearest_.is_valid) return measured.is_valid;
+        if (!nearest_.is_valid) return true;
         return measured.distance_squared < nearest_.distance_squared ||
                (measured.distance_squared == nearest_.distance_squared &&
                 ComesBefore(first_, second_, measured.leaves, nearest_.leaves));
@@ -64,6 +71,7 @@ private:
     std::mutex access_;
     NearestTriangles nearest_;
     std::atomic<double> best_;
+    std::atomic<bool> touches_{false};
     double slack_;
     SearchLimit limit_;
 };
@@ -138,12 +146,22 @@ private:
     /// touch whose boxes are within the bound.
     NearestTriangles NearestUpTo(double most, double bound) {
         Nearest nearest(first_, second_, most, leaf_distance_.Slack());
-        VisitNearLeafPairs(
-            first_, second_, frame_, SearchOrder::ByNearness, nearest.Limit(), [&](const NodePair& leaves) {
-                const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
-                if (measured.is_valid || (measured.touches && IsWithin(BoxDistance(leaves), bound)))
-                    nearest.Add(measured);
-            });
+        const auto visit = [&](const LeafTriangle& a, const LeafTriangle& b) {
+            const Triangle a_triangle = Place(first_.Placement(), first_.LocalTriangles()[a.triangle]);
+            const Triangle b_triangle = Place(second_.Placement(), second_.LocalTriangles()[b.triangle]);
+            const double squared =
+                TrianglePairDistanceBound(EdgeForm(a_triangle), EdgeForm(b_triangle)).distance_squared;
+            // Also false where they touch: the best is never below the touch threshold.
+            if (!(squared <= nearest.Best())) return;
+            const NodePair leaves{&first_.Nodes()[a.leaf], &second_.Nodes()[b.leaf]};
+            if (squared < kTouchDistanceSquared) {
+                if (!nearest.Touches() && IsWithin(BoxDistance(leaves), bound)) nearest.AddTouching();
+                return;
+            }
+            const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
+            if (measured.is_valid) nearest.Add(measured);
+        };
+        VisitNearTriangles(first_, second_, frame_, SearchGoal::Nearest, nearest.Limit(), visit);
         return nearest.Result();
     }
 

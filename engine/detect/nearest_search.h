@@ -8,7 +8,7 @@ namespace tarn::details {
 
 class AABBHierarchy;
 
-/// What `SearchProximity` finds, faster: crossings and nearest triangles are looked for in the wide trees.
+/// What `SearchProximity` finds, faster: crossings and nearest triangles are looked for in the filter trees.
 ProximityFinding SearchProximityFast(const AABBHierarchy& first,
                                      const AABBHierarchy& second,
                                      double clearance);

@@ -1,12 +1,11 @@
 #include "detect/relative_frame.h"
 
 #include "core/triangle.h"
-#include "core/wide_hierarchy.h"
+#include "detect/triangle_separation.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <limits>
+#include <cstddef>
 
 namespace tarn::details {
 
@@ -16,6 +15,8 @@ namespace {
 constexpr double kSmallestReach = 1e-12;
 constexpr double kLargestReach = 1e15;
 constexpr double kLargestSkew = 1e-4;
+/// Of an edge, by placements that are not quite rigid and by rounding.
+constexpr double kEdgeGrowth = 1.001;
 
 Vector3 Column(const MATRIX& placement, std::size_t column) {
     return {placement[column], placement[4 + column], placement[8 + column]};
@@ -45,34 +46,14 @@ double WorldReach(const MATRIX& placement, const Box& local) {
     return Sum(far) + std::max({std::abs(placement[3]), std::abs(placement[7]), std::abs(placement[11])});
 }
 
-struct Range {
-    double min = std::numeric_limits<double>::infinity();
-    double max = -std::numeric_limits<double>::infinity();
-};
-
-/// Where a leaf's triangles lie along a direction, each point mapped before.
-template <typename Map>
-Range RangeOf(const AABBHierarchyNode& leaf, const Vector3& direction, Map map) {
-    Range range;
-    for (const Triangle& triangle : leaf.LocalTriangles()) {
-        for (const Vector3& vertex : {Vertex0(triangle), Vertex1(triangle), Vertex2(triangle)}) {
-            const double along = Dot(direction, map(vertex));
-            range.min = std::min(range.min, along);
-            range.max = std::max(range.max, along);
-        }
-    }
-    return range;
-}
-
 }  // namespace
 
-RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& second)
-    : first_(first),
-      second_(second) {
+RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& second) {
+    if (!first.Filter() || !second.Filter()) return;
     const MATRIX& to_first = first.Placement();
     const MATRIX& to_second = second.Placement();
-    first_origin_ = first.Wide().Origin();
-    second_origin_ = second.Wide().Origin();
+    first_origin_ = first.Filter()->Origin();
+    second_origin_ = second.Filter()->Origin();
     const Vector3 between = Place(to_second, second_origin_) - Place(to_first, first_origin_);
     for (std::size_t i = 0; i < 3; ++i) {
         for (std::size_t j = 0; j < 3; ++j) rotation_[i][j] = Dot(Column(to_first, i), Column(to_second, j));
@@ -84,14 +65,15 @@ RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& se
     const Box second_box = second.Root().LocalBox();
     const double reach = Sum(Extents(first_box)) + Sum(Extents(second_box)) + Sum(Magnitude(offset_));
     const double world_reach = WorldReach(to_first, first_box) + WorldReach(to_second, second_box);
+    const double longest_edge = std::max(first.Filter()->LongestEdge(), second.Filter()->LongestEdge());
     const double first_skew = SkewOf(to_first);
     const double second_skew = SkewOf(to_second);
     // Written such that NaN fails.
     is_rigid_ = first_skew <= kLargestSkew && second_skew <= kLargestSkew && reach >= kSmallestReach &&
                 world_reach <= kLargestReach;
-    skew_ = std::max(first_skew, second_skew);
-    leaf_margin_ = 128.0 * 0x1p-53 * world_reach + 32.0 * skew_ * reach;
-    wide_margin_ = 2.0 * leaf_margin_ + 96.0 * 0x1p-24 * reach;
+    rounding_margin_ = 128.0 * 0x1p-53 * world_reach + 32.0 * std::max(first_skew, second_skew) * reach;
+    narrow_margin_ = 256.0 * 0x1p-24 * reach;
+    crossing_margin_ = GuaranteedSeparation(kEdgeGrowth * longest_edge);
 }
 
 bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double margin) const {
@@ -104,7 +86,10 @@ bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double
     const auto across = [](double x, double y, double z, const Vector3& v) {
         return x * v.x + y * v.y + z * v.z;
     };
-    const Vector3 t = ToFirst(second_centre) - first_centre;
+    const Vector3 turned{across(r[0][0], r[0][1], r[0][2], second_centre),
+                         across(r[1][0], r[1][1], r[1][2], second_centre),
+                         across(r[2][0], r[2][1], r[2][2], second_centre)};
+    const Vector3 t = (offset_ + turned) - first_centre;
 
     double s[3][3];
     for (int i = 0; i < 3; ++i) {
@@ -130,42 +115,6 @@ bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double
         }
     }
     return false;
-}
-
-Vector3 RelativeFrame::ToFirst(const Vector3& point) const {
-    const auto& r = rotation_;
-    return {offset_.x + (r[0][0] * point.x + r[0][1] * point.y + r[0][2] * point.z),
-            offset_.y + (r[1][0] * point.x + r[1][1] * point.y + r[1][2] * point.z),
-            offset_.z + (r[2][0] * point.x + r[2][1] * point.y + r[2][2] * point.z)};
-}
-
-Vector3 RelativeFrame::ToSecond(const Vector3& point) const {
-    const auto& r = rotation_;
-    const Vector3 p = point - offset_;
-    return {r[0][0] * p.x + r[1][0] * p.y + r[2][0] * p.z, r[0][1] * p.x + r[1][1] * p.y + r[2][1] * p.z,
-            r[0][2] * p.x + r[1][2] * p.y + r[2][2] * p.z};
-}
-
-bool RelativeFrame::SlabsAreApart(const AABBHierarchyNode& first_leaf,
-                                  const AABBHierarchyNode& second_leaf) const {
-    if (!is_rigid_) return false;
-    bool are_apart = false;
-    const auto look_along = [&](const Range& range, const Range& other) {
-        are_apart = are_apart || other.min - range.max > leaf_margin_ || range.min - other.max > leaf_margin_;
-    };
-    const auto first_points = [&](const Vector3& point) { return point - first_origin_; };
-    const auto second_points = [&](const Vector3& point) { return point - second_origin_; };
-    const auto first_index = static_cast<std::uint32_t>(&first_leaf - &first_.Root());
-    const auto second_index = static_cast<std::uint32_t>(&second_leaf - &second_.Root());
-    first_.Wide().VisitSlabNormalsAbove(first_index, [&](const Vector3& normal) {
-        look_along(RangeOf(first_leaf, normal, first_points),
-                   RangeOf(second_leaf, normal, [&](const Vector3& p) { return ToFirst(second_points(p)); }));
-    });
-    second_.Wide().VisitSlabNormalsAbove(second_index, [&](const Vector3& normal) {
-        look_along(RangeOf(second_leaf, normal, second_points),
-                   RangeOf(first_leaf, normal, [&](const Vector3& p) { return ToSecond(first_points(p)); }));
-    });
-    return are_apart;
 }
 
 }  // namespace tarn::details

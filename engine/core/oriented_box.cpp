@@ -1,0 +1,205 @@
+#include "core/oriented_box.h"
+
+#include "core/float4.h"
+#include "core/vector3.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace tarn::details {
+
+namespace {
+
+/// Triangles by which directions are chosen, spread over the list.
+constexpr std::size_t kSample = 32;
+/// Fewer triangles than this have no principal axes that others do not have.
+constexpr std::size_t kFewestForPrincipalAxes = 3;
+/// Rotations until a symmetric matrix counts as diagonal. Three axes take some six of them.
+constexpr int kMostSweeps = 6;
+constexpr double kSmallestLengthSquared = 1e-60;
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kHalfGrowth = 1.0F + 0x1p-22F;
+
+using Axes = std::array<Vector3, 3>;
+
+constexpr Axes kCoordinateAxes{{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};
+
+std::optional<Vector3> Unit(const Vector3& v) {
+    const double length_squared = LengthSquared(v);
+    if (!(length_squared > kSmallestLengthSquared)) return std::nullopt;
+    return (1.0 / std::sqrt(length_squared)) * v;
+}
+
+/// Axes along a normal, and along a direction as far as it is at a right angle to it.
+std::optional<Axes> AxesAlong(const Vector3& normal, const Vector3& direction) {
+    const auto n = Unit(normal);
+    if (!n) return std::nullopt;
+    const auto d = Unit(direction - Dot(direction, *n) * *n);
+    // Once more, for what rounding left of a direction that was almost along the normal.
+    const auto across = d ? Unit(*d - Dot(*d, *n) * *n) : std::nullopt;
+    if (!across) return std::nullopt;
+    return Axes{*across, Cross(*n, *across), *n};
+}
+
+/// Triangles along axes: between which values they lie.
+struct Extent {
+    Float4 lo = Uniform4(kInfinity);
+    Float4 hi = Uniform4(-kInfinity);
+    float half_area = 0.0F;
+};
+
+Extent ExtentAlong(const Axes& axes, std::span<const NarrowTriangle> triangles, std::size_t step) {
+    Float4 column[3];
+    for (int k = 0; k < 3; ++k) {
+        const float component[4] = {static_cast<float>(axes[0][k]), static_cast<float>(axes[1][k]),
+                                    static_cast<float>(axes[2][k]), 0.0F};
+        column[k] = Load4(component);
+    }
+    Extent extent;
+    for (std::size_t i = 0; i < triangles.size(); i += step) {
+        for (const auto& vertex : triangles[i].vertex) {
+            const Float4 along = column[0] * Uniform4(vertex[0]) + column[1] * Uniform4(vertex[1]) +
+                                 column[2] * Uniform4(vertex[2]);
+            extent.lo = Min(extent.lo, along);
+            extent.hi = Max(extent.hi, along);
+        }
+    }
+    const Float4 size = extent.hi - extent.lo;
+    extent.half_area = size[0] * size[1] + size[1] * size[2] + size[2] * size[0];
+    return extent;
+}
+
+Vector3 Vertex(const NarrowTriangle& triangle, int i) {
+    return {static_cast<double>(triangle.vertex[i][0]), static_cast<double>(triangle.vertex[i][1]),
+            static_cast<double>(triangle.vertex[i][2])};
+}
+
+/// What triangles show of the directions in which they lie.
+class Directions {
+public:
+    Directions(std::span<const NarrowTriangle> triangles, std::size_t step) {
+        for (std::size_t i = 0; i < triangles.size(); i += step) Add(triangles[i]);
+    }
+
+    std::optional<Axes> AlongLargestTriangle() const { return AxesAlong(largest_normal_, largest_edge_); }
+    std::optional<Axes> AlongNormals() const { return AxesAlong(normal_sum_, longest_edge_); }
+    std::optional<Axes> PrincipalAxes() const;
+
+private:
+    void Add(const NarrowTriangle& triangle) {
+        const Vector3 v[3] = {Vertex(triangle, 0), Vertex(triangle, 1), Vertex(triangle, 2)};
+        const Vector3 edges[3] = {v[1] - v[0], v[2] - v[1], v[0] - v[2]};
+        const Vector3 normal = Cross(edges[0], edges[1]);
+        const Vector3 edge = *std::ranges::max_element(edges, {}, LengthSquared);
+        normal_sum_ = Dot(normal, normal_sum_) < 0.0 ? normal_sum_ - normal : normal_sum_ + normal;
+        if (LengthSquared(edge) > LengthSquared(longest_edge_)) longest_edge_ = edge;
+        if (LengthSquared(normal) > LengthSquared(largest_normal_)) {
+            largest_normal_ = normal;
+            largest_edge_ = edge;
+        }
+        // Moments of the surface: the centroid counts for nine twelfths, each vertex for one.
+        const double area = std::sqrt(LengthSquared(normal));
+        const Vector3 centroid = (1.0 / 3.0) * (v[0] + v[1] + v[2]);
+        area_ += area;
+        moment_ = moment_ + area * centroid;
+        const auto add_products = [this](double weight, const Vector3& p) {
+            for (int i = 0; i < 3; ++i) {
+                for (int j = i; j < 3; ++j) products_[i][j] += weight * p[i] * p[j];
+            }
+        };
+        add_products(area * 9.0 / 12.0, centroid);
+        for (const Vector3& vertex : v) add_products(area / 12.0, vertex);
+    }
+
+    Vector3 normal_sum_{};
+    Vector3 longest_edge_{};
+    Vector3 largest_normal_{};
+    Vector3 largest_edge_{};
+    double area_ = 0.0;
+    Vector3 moment_{};
+    double products_[3][3]{};
+};
+
+/// The eigenvectors of the surface's covariance by Jacobi's method.
+std::optional<Axes> Directions::PrincipalAxes() const {
+    if (!(area_ > 0.0)) return std::nullopt;
+    const Vector3 mean = (1.0 / area_) * moment_;
+    double m[3][3];
+    for (int i = 0; i < 3; ++i) {
+        for (int j = i; j < 3; ++j) m[i][j] = m[j][i] = products_[i][j] / area_ - mean[i] * mean[j];
+    }
+    double v[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+    for (int sweep = 0; sweep < kMostSweeps; ++sweep) {
+        bool is_diagonal = true;
+        for (const auto& [p, q] : {std::pair(0, 1), std::pair(0, 2), std::pair(1, 2)}) {
+            if (std::abs(m[p][q]) <= 1e-4 * std::abs(m[p][p] - m[q][q])) continue;
+            is_diagonal = false;
+            const double theta = (m[q][q] - m[p][p]) / (2.0 * m[p][q]);
+            const double t = (theta >= 0.0 ? 1.0 : -1.0) / (std::abs(theta) + std::sqrt(theta * theta + 1.0));
+            const double c = 1.0 / std::sqrt(t * t + 1.0);
+            const double s = t * c;
+            const auto turn = [c, s](double& a, double& b) {
+                const double old = a;
+                a = c * old - s * b;
+                b = s * old + c * b;
+            };
+            for (auto& row : m) turn(row[p], row[q]);
+            for (int k = 0; k < 3; ++k) turn(m[p][k], m[q][k]);
+            for (auto& row : v) turn(row[p], row[q]);
+        }
+        if (is_diagonal) break;
+    }
+    return AxesAlong({v[0][2], v[1][2], v[2][2]}, {v[0][0], v[1][0], v[2][0]});
+}
+
+/// The axes along which the chosen triangles take least room.
+Axes BestAxes(std::span<const NarrowTriangle> triangles, std::size_t step) {
+    const Directions directions(triangles, step);
+    Axes best = kCoordinateAxes;
+    float least = ExtentAlong(best, triangles, step).half_area;
+    const auto attempt = [&](const std::optional<Axes>& axes) {
+        if (!axes) return;
+        const float half_area = ExtentAlong(*axes, triangles, step).half_area;
+        if (!(half_area < least)) return;
+        least = half_area;
+        best = *axes;
+    };
+    attempt(directions.AlongLargestTriangle());
+    if (triangles.size() > 1) attempt(directions.AlongNormals());
+    if (triangles.size() >= kFewestForPrincipalAxes) attempt(directions.PrincipalAxes());
+    return best;
+}
+
+}  // namespace
+
+OrientedBox FitOrientedBox(std::span<const NarrowTriangle> triangles) {
+    const std::size_t step = (triangles.size() + kSample - 1) / kSample;
+    Axes axes = BestAxes(triangles, step);
+    Extent extent = ExtentAlong(axes, triangles, 1);
+    if (step > 1) {
+        // What suits the sample may not suit all.
+        const Extent along_coordinates = ExtentAlong(kCoordinateAxes, triangles, 1);
+        if (along_coordinates.half_area <= extent.half_area) {
+            axes = kCoordinateAxes;
+            extent = along_coordinates;
+        }
+    }
+    const Float4 lo = extent.lo;
+    const Float4 hi = extent.hi;
+    OrientedBox box{};
+    Vector3 centre{};
+    for (std::size_t j = 0; j < 3; ++j) {
+        centre = centre + 0.5 * (static_cast<double>(lo[j]) + static_cast<double>(hi[j])) * axes[j];
+        box.half[j] = 0.5F * (hi[j] - lo[j]) * kHalfGrowth;
+        for (int k = 0; k < 3; ++k) box.axis[j][k] = static_cast<float>(axes[j][k]);
+    }
+    for (int k = 0; k < 3; ++k) box.centre[k] = static_cast<float>(centre[k]);
+    return box;
+}
+
+}  // namespace tarn::details
