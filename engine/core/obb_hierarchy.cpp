@@ -80,21 +80,21 @@ private:
 bool Narrow(std::span<const Triangle> triangles, const Vector3& origin, std::span<NarrowTriangle> narrow) {
     std::atomic<bool> is_in_range = true;
     ParallelFor(triangles.size(), kTriangleChunk, [&](std::size_t begin, std::size_t end) {
-        double largest = 0.0;
+        bool chunk_is_in_range = true;
         for (std::size_t i = begin; i < end; ++i) {
             const Vector3 vertices[3] = {Vertex0(triangles[i]) - origin, Vertex1(triangles[i]) - origin,
                                          Vertex2(triangles[i]) - origin};
             for (int v = 0; v < 3; ++v) {
                 for (int k = 0; k < 3; ++k) {
                     narrow[i].vertex[v][k] = static_cast<float>(vertices[v][k]);
-                    // Written such that NaN stays.
-                    largest = std::abs(vertices[v][k]) <= largest ? largest : std::abs(vertices[v][k]);
+                    // Written such that NaN fails.
+                    chunk_is_in_range &= std::abs(vertices[v][k]) <= kLargestCoordinate;
                 }
                 narrow[i].vertex[v][3] = 0.0F;
             }
             narrow[i].SetIndex(static_cast<std::uint32_t>(i));
         }
-        if (!(largest <= kLargestCoordinate)) is_in_range.store(false, std::memory_order_relaxed);
+        if (!chunk_is_in_range) is_in_range.store(false, std::memory_order_relaxed);
     });
     return is_in_range.load(std::memory_order_relaxed);
 }
