@@ -1,6 +1,9 @@
 /// The clearance check by itself: one couple, the second body moved before every check, against the clearance
-/// and against the number of triangles.
+/// and against the number of triangles. By the plain rules, where they take no more than seconds, and with
+/// filters: the digests are the same.
 
+#include "detect/proximity_detector.h"
+#include "detect/proximity_search.h"
 #include "digest.h"
 #include "proximity_tally.h"
 #include "support/meshes.h"
@@ -75,8 +78,18 @@ Couple BallOverPlate(int rings) {
     return couple;
 }
 
+ProximityOutcome Measure(details::CollisionBody& first,
+                         details::CollisionBody& second,
+                         double clearance,
+                         details::Filters filters) {
+    if (filters == details::Filters::On) return MeasureProximity(&first, &second, clearance);
+    first.Update();
+    second.Update();
+    return details::SearchProximity(*first.Hierarchy(), *second.Hierarchy(), clearance).outcome;
+}
+
 /// Arguments: the size that `make` is called with, the clearance in thousandths of the diagonal (0 for an
-/// infinite one). One thread.
+/// infinite one), and whether there are filters. One thread.
 void CheckClearance(benchmark::State& state, Couple (*make)(int)) {
     const Couple couple = make(static_cast<int>(state.range(0)));
     const double clearance = state.range(1) == 0 ? std::numeric_limits<double>::infinity()
@@ -87,7 +100,8 @@ void CheckClearance(benchmark::State& state, Couple (*make)(int)) {
     const auto configuration = make_unique_proximity_configuration();
     configuration->AddElement(still);
     configuration->AddElement(moved, {true, clearance});
-    const auto detector = make_unique_proximity_detector();
+    const auto filters = static_cast<details::Filters>(state.range(2));
+    details::ProximityDetector detector(filters);
 
     ProximityTally tally;
     Digest digest;
@@ -95,16 +109,16 @@ void CheckClearance(benchmark::State& state, Couple (*make)(int)) {
         ProximityResult result;
         for (const MATRIX& pose : couple.poses) {
             moved->SetMatrix(pose);
-            const ProximityOutcome outcome = MeasureProximity(still, moved, clearance);
+            const ProximityOutcome outcome = Measure(*still, *moved, clearance, filters);
             tally.Add(outcome);
             digest.Add(outcome);
-            digest.Add(detector->Check(result, *configuration, CheckPolicy::AllInterferencesWithTriangles));
+            digest.Add(detector.Check(result, *configuration, CheckPolicy::AllInterferencesWithTriangles));
         }
         std::size_t next = 0;
         for (auto _ : state) {
             moved->SetMatrix(couple.poses[next]);
             benchmark::DoNotOptimize(
-                detector->Check(result, *configuration, CheckPolicy::AllInterferencesWithTriangles));
+                detector.Check(result, *configuration, CheckPolicy::AllInterferencesWithTriangles));
             next = (next + 1) % couple.poses.size();
         }
     });
@@ -120,19 +134,22 @@ void CheckClearance(benchmark::State& state, Couple (*make)(int)) {
 }
 
 void Named(benchmark::internal::Benchmark* benchmark) {
-    benchmark->ArgNames({"size", "clearance"})->Unit(benchmark::kMicrosecond);
+    benchmark->ArgNames({"size", "clearance", "filters"})->Unit(benchmark::kMicrosecond);
 }
 
 // About 1,000, 10,000, 100,000 and a million triangles each.
 BENCHMARK_CAPTURE(CheckClearance, balls, &Balls)
     ->Apply(Named)
-    ->ArgsProduct({{16, 50, 160, 500}, {1, 10, 100, 0}});
+    ->ArgsProduct({{16, 50, 160}, {1, 10, 100, 0}, {0}})
+    ->ArgsProduct({{16, 50, 160, 500}, {1, 10, 100, 0}, {1}});
 BENCHMARK_CAPTURE(CheckClearance, facing_plates, &Plates)
     ->Apply(Named)
-    ->ArgsProduct({{22, 70, 224, 707}, {10}});
+    ->ArgsProduct({{22, 70}, {10}, {0}})
+    ->ArgsProduct({{22, 70, 224, 707}, {10}, {1}});
 BENCHMARK_CAPTURE(CheckClearance, ball_over_plate, &BallOverPlate)
     ->Apply(Named)
-    ->ArgsProduct({{16, 50, 160, 500}, {10, 100, 0}});
+    ->ArgsProduct({{16, 50, 160}, {10, 100, 0}, {0}})
+    ->ArgsProduct({{16, 50, 160, 500}, {10, 100, 0}, {1}});
 
 }  // namespace
 }  // namespace tarn::bench

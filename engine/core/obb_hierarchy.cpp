@@ -165,7 +165,7 @@ std::optional<OBBHierarchy> OBBHierarchy::Build(std::span<const AABBHierarchyNod
     const auto splits = std::make_unique_for_overwrite<SurfaceAreaSplit[]>(count);
     const std::span<const SurfaceAreaSplit> all_splits{splits.get(), count};
     const std::uint32_t root_split =
-        SplitBySurfaceArea({narrow.get(), count}, OBBLeaf::kLanes, {splits.get(), count});
+        SplitBySurfaceArea(nodes[0], {narrow.get(), count}, OBBLeaf::kLanes, {splits.get(), count});
 
     // Children join at the end, so the loop comes to them in their turn.
     std::vector<Members> members{Members({0, count, root_split})};

@@ -17,10 +17,12 @@ namespace {
 
 /// Triangles by which directions are chosen, spread over the list.
 constexpr std::size_t kSample = 32;
-/// Fewer triangles than this have no principal axes that others do not have.
-constexpr std::size_t kFewestForPrincipalAxes = 3;
-/// Rotations until a symmetric matrix counts as diagonal. Three axes take some six of them.
-constexpr int kMostSweeps = 6;
+/// Two triangles lie as the larger one does, mostly, and up to four as that one or as the mean of them.
+constexpr std::size_t kPair = 2;
+constexpr std::size_t kFew = 4;
+/// Principal axes need not be exact.
+constexpr int kMostSweeps = 3;
+constexpr double kDiagonal = 0.01;
 constexpr double kSmallestLengthSquared = 1e-60;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kHalfGrowth = 1.0F + 0x1p-22F;
@@ -88,7 +90,6 @@ public:
 
     std::optional<Axes> AlongLargestTriangle() const { return AxesAlong(largest_normal_, largest_edge_); }
     std::optional<Axes> AlongNormals() const { return AxesAlong(normal_sum_, longest_edge_); }
-    std::optional<Axes> PrincipalAxes() const;
 
 private:
     void Add(const NarrowTriangle& triangle) {
@@ -102,42 +103,58 @@ private:
             largest_normal_ = normal;
             largest_edge_ = edge;
         }
-        // Moments of the surface: the centroid counts for nine twelfths, each vertex for one.
-        const double area = std::sqrt(LengthSquared(normal));
-        const Vector3 centroid = (1.0 / 3.0) * (v[0] + v[1] + v[2]);
-        area_ += area;
-        moment_ = moment_ + area * centroid;
-        const auto add_products = [this](double weight, const Vector3& p) {
-            for (int i = 0; i < 3; ++i) {
-                for (int j = i; j < 3; ++j) products_[i][j] += weight * p[i] * p[j];
-            }
-        };
-        add_products(area * 9.0 / 12.0, centroid);
-        for (const Vector3& vertex : v) add_products(area / 12.0, vertex);
     }
 
     Vector3 normal_sum_{};
     Vector3 longest_edge_{};
     Vector3 largest_normal_{};
     Vector3 largest_edge_{};
-    double area_ = 0.0;
-    Vector3 moment_{};
-    double products_[3][3]{};
 };
 
-/// The eigenvectors of the surface's covariance by Jacobi's method.
-std::optional<Axes> Directions::PrincipalAxes() const {
+/// The first and second moments of a surface.
+class Moments {
+public:
+    Moments(std::span<const NarrowTriangle> triangles, std::size_t step) {
+        for (std::size_t i = 0; i < triangles.size(); i += step) Add(triangles[i]);
+    }
+
+    /// The eigenvectors of the covariance by Jacobi's method.
+    std::optional<Axes> PrincipalAxes() const;
+
+private:
+    /// The centroid counts for nine twelfths, each vertex for one.
+    void Add(const NarrowTriangle& triangle) {
+        const Vector3 v[3] = {Vertex(triangle, 0), Vertex(triangle, 1), Vertex(triangle, 2)};
+        const double area = std::sqrt(LengthSquared(Cross(v[1] - v[0], v[2] - v[0])));
+        const Vector3 centroid = (1.0 / 3.0) * (v[0] + v[1] + v[2]);
+        area_ += area;
+        first_ = first_ + area * centroid;
+        const auto add_products = [this](double weight, const Vector3& p) {
+            for (int i = 0; i < 3; ++i) {
+                for (int j = i; j < 3; ++j) second_[i][j] += weight * p[i] * p[j];
+            }
+        };
+        add_products(area * 9.0 / 12.0, centroid);
+        for (const Vector3& vertex : v) add_products(area / 12.0, vertex);
+    }
+
+    double area_ = 0.0;
+    Vector3 first_{};
+    double second_[3][3]{};
+};
+
+std::optional<Axes> Moments::PrincipalAxes() const {
     if (!(area_ > 0.0)) return std::nullopt;
-    const Vector3 mean = (1.0 / area_) * moment_;
+    const Vector3 mean = (1.0 / area_) * first_;
     double m[3][3];
     for (int i = 0; i < 3; ++i) {
-        for (int j = i; j < 3; ++j) m[i][j] = m[j][i] = products_[i][j] / area_ - mean[i] * mean[j];
+        for (int j = i; j < 3; ++j) m[i][j] = m[j][i] = second_[i][j] / area_ - mean[i] * mean[j];
     }
     double v[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
     for (int sweep = 0; sweep < kMostSweeps; ++sweep) {
         bool is_diagonal = true;
         for (const auto& [p, q] : {std::pair(0, 1), std::pair(0, 2), std::pair(1, 2)}) {
-            if (std::abs(m[p][q]) <= 1e-4 * std::abs(m[p][p] - m[q][q])) continue;
+            if (std::abs(m[p][q]) <= kDiagonal * std::abs(m[p][p] - m[q][q])) continue;
             is_diagonal = false;
             const double theta = (m[q][q] - m[p][p]) / (2.0 * m[p][q]);
             const double t = (theta >= 0.0 ? 1.0 : -1.0) / (std::abs(theta) + std::sqrt(theta * theta + 1.0));
@@ -157,49 +174,81 @@ std::optional<Axes> Directions::PrincipalAxes() const {
     return AxesAlong({v[0][2], v[1][2], v[2][2]}, {v[0][0], v[1][0], v[2][0]});
 }
 
-/// The axes along which the chosen triangles take least room.
-Axes BestAxes(std::span<const NarrowTriangle> triangles, std::size_t step) {
-    const Directions directions(triangles, step);
-    Axes best = kCoordinateAxes;
-    float least = ExtentAlong(best, triangles, step).half_area;
-    const auto attempt = [&](const std::optional<Axes>& axes) {
+/// The axes along which the triangles, or a sample of them, take least room.
+class BestAxes {
+public:
+    BestAxes(std::span<const NarrowTriangle> triangles, std::size_t step)
+        : triangles_(triangles),
+          step_(step),
+          axes_(kCoordinateAxes),
+          extent_(ExtentAlong(axes_, triangles_, step_)) {}
+
+    void Attempt(const std::optional<Axes>& axes) {
         if (!axes) return;
-        const float half_area = ExtentAlong(*axes, triangles, step).half_area;
-        if (!(half_area < least)) return;
-        least = half_area;
-        best = *axes;
-    };
-    attempt(directions.AlongLargestTriangle());
-    if (triangles.size() > 1) attempt(directions.AlongNormals());
-    if (triangles.size() >= kFewestForPrincipalAxes) attempt(directions.PrincipalAxes());
-    return best;
+        const Extent extent = ExtentAlong(*axes, triangles_, step_);
+        if (!(extent.half_area < extent_.half_area)) return;
+        axes_ = *axes;
+        extent_ = extent;
+    }
+
+    /// Along the largest triangle and any of its edges: the longest one of half a rectangle is its diagonal.
+    void AttemptLargest() {
+        const NarrowTriangle* largest = nullptr;
+        Vector3 normal{};
+        for (const NarrowTriangle& triangle : triangles_) {
+            const Vector3 v0 = Vertex(triangle, 0);
+            const Vector3 other = Cross(Vertex(triangle, 1) - v0, Vertex(triangle, 2) - v0);
+            if (!(LengthSquared(other) > LengthSquared(normal))) continue;
+            normal = other;
+            largest = &triangle;
+        }
+        if (!largest) return;
+        for (int i = 0; i < 3; ++i)
+            Attempt(AxesAlong(normal, Vertex(*largest, (i + 1) % 3) - Vertex(*largest, i)));
+    }
+
+    const Axes& Result() const { return axes_; }
+    const Extent& ResultExtent() const { return extent_; }
+
+private:
+    std::span<const NarrowTriangle> triangles_;
+    std::size_t step_;
+    Axes axes_;
+    Extent extent_;
+};
+
+OrientedBox BoxOf(const Axes& axes, const Extent& extent) {
+    OrientedBox box{};
+    Vector3 centre{};
+    for (std::size_t j = 0; j < 3; ++j) {
+        centre =
+            centre + 0.5 * (static_cast<double>(extent.lo[j]) + static_cast<double>(extent.hi[j])) * axes[j];
+        box.half[j] = 0.5F * (extent.hi[j] - extent.lo[j]) * kHalfGrowth;
+        for (int k = 0; k < 3; ++k) box.axis[j][k] = static_cast<float>(axes[j][k]);
+    }
+    for (int k = 0; k < 3; ++k) box.centre[k] = static_cast<float>(centre[k]);
+    return box;
 }
 
 }  // namespace
 
 OrientedBox FitOrientedBox(std::span<const NarrowTriangle> triangles) {
     const std::size_t step = (triangles.size() + kSample - 1) / kSample;
-    Axes axes = BestAxes(triangles, step);
-    Extent extent = ExtentAlong(axes, triangles, 1);
-    if (step > 1) {
-        // What suits the sample may not suit all.
-        const Extent along_coordinates = ExtentAlong(kCoordinateAxes, triangles, 1);
-        if (along_coordinates.half_area <= extent.half_area) {
-            axes = kCoordinateAxes;
-            extent = along_coordinates;
-        }
+    BestAxes best(triangles, step);
+    if (triangles.size() <= kPair) {
+        best.AttemptLargest();
+        return BoxOf(best.Result(), best.ResultExtent());
     }
-    const Float4 lo = extent.lo;
-    const Float4 hi = extent.hi;
-    OrientedBox box{};
-    Vector3 centre{};
-    for (std::size_t j = 0; j < 3; ++j) {
-        centre = centre + 0.5 * (static_cast<double>(lo[j]) + static_cast<double>(hi[j])) * axes[j];
-        box.half[j] = 0.5F * (hi[j] - lo[j]) * kHalfGrowth;
-        for (int k = 0; k < 3; ++k) box.axis[j][k] = static_cast<float>(axes[j][k]);
-    }
-    for (int k = 0; k < 3; ++k) box.centre[k] = static_cast<float>(centre[k]);
-    return box;
+    const Directions directions(triangles, step);
+    best.Attempt(directions.AlongLargestTriangle());
+    best.Attempt(directions.AlongNormals());
+    if (triangles.size() > kFew) best.Attempt(Moments(triangles, step).PrincipalAxes());
+    if (step == 1) return BoxOf(best.Result(), best.ResultExtent());
+    // What suits the sample may not suit all.
+    const Extent extent = ExtentAlong(best.Result(), triangles, 1);
+    const Extent along_coordinates = ExtentAlong(kCoordinateAxes, triangles, 1);
+    return along_coordinates.half_area <= extent.half_area ? BoxOf(kCoordinateAxes, along_coordinates)
+                                                           : BoxOf(best.Result(), extent);
 }
 
 }  // namespace tarn::details

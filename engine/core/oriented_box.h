@@ -15,9 +15,9 @@ struct OrientedBox {
 };
 
 /// A small box around triangles, of which there is at least one. Of several directions in which they may lie
-/// the best one is taken: along the coordinate axes, along the largest triangle and its longest edge, along
-/// the sum of the normals, and along the principal axes (S. Gottschalk, M. C. Lin, D. Manocha, "OBBTree",
-/// 1996). Contains them up to roundings of the coordinates.
+/// the best one is taken: along the coordinate axes, along the largest triangle, along the sum of the normals,
+/// and along the principal axes (S. Gottschalk, M. C. Lin, D. Manocha, "OBBTree", 1996). Contains them up to
+/// roundings of the coordinates.
 OrientedBox FitOrientedBox(std::span<const NarrowTriangle> triangles);
 
 }  // namespace tarn::details

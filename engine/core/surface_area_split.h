@@ -8,6 +8,8 @@
 
 namespace tarn::details {
 
+class AABBHierarchyNode;
+
 /// How a run of triangles is split in two. It stands at the position at which its second half begins, so all
 /// splits of a list fit into an array of the same length, whatever thread makes them.
 struct SurfaceAreaSplit {
@@ -26,7 +28,11 @@ struct SurfaceAreaSplit {
 /// SAH-based bounding volume hierarchies", 2007). Returns the split of the whole. Runs in parallel, with the
 /// same outcome whatever the threads. No coordinate is above 1e18 by magnitude; there are fewer than 2^31
 /// triangles, and as many splits.
-std::uint32_t SplitBySurfaceArea(std::span<NarrowTriangle> triangles,
+///
+/// The triangles come in the order of a binary tree's leaves. As long as runs are long, they are split as that
+/// tree splits them, which costs nothing: what makes a difference are the short ones.
+std::uint32_t SplitBySurfaceArea(const AABBHierarchyNode& root,
+                                 std::span<NarrowTriangle> triangles,
                                  std::size_t leaf_size,
                                  std::span<SurfaceAreaSplit> splits);
 

@@ -83,8 +83,8 @@ public:
 
     /// How often each triangle was met.
     const std::vector<int>& Visits() const { return visits_; }
-    /// By how much vertices lie outside of boxes above them, by how much they are off, both in roundings of the
-    /// whole size, and by how many roundings dot products of axes are off.
+    /// By how much vertices lie outside of boxes above them, and by how much they are off, in roundings of
+    /// the whole size; by how many roundings dot products of axes are off.
     double MostOutside() const { return most_outside_ / Unit(); }
     double MostMoved() const { return most_moved_ / Unit(); }
     double MostSkewed() const { return most_skewed_ / kNarrowRounding; }
