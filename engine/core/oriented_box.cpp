@@ -24,6 +24,7 @@ constexpr std::size_t kFew = 4;
 constexpr int kMostSweeps = 3;
 constexpr double kDiagonal = 0.01;
 constexpr double kSmallestLengthSquared = 1e-60;
+constexpr double kSmallestSineSquared = 1e-6;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kHalfGrowth = 1.0F + 0x1p-22F;
 
@@ -37,13 +38,16 @@ std::optional<Vector3> Unit(const Vector3& v) {
     return (1.0 / std::sqrt(length_squared)) * v;
 }
 
-/// Axes along a normal, and along a direction as far as it is at a right angle to it.
+/// Axes along a normal, and along a direction as far as it is at a right angle to it. Nothing where the
+/// direction is nearly the normal: what is left of it then is mostly rounding, which may lie along the normal
+/// once more.
 std::optional<Axes> AxesAlong(const Vector3& normal, const Vector3& direction) {
     const auto n = Unit(normal);
-    if (!n) return std::nullopt;
-    const auto d = Unit(direction - Dot(direction, *n) * *n);
-    // Once more, for what rounding left of a direction that was almost along the normal.
-    const auto across = d ? Unit(*d - Dot(*d, *n) * *n) : std::nullopt;
+    const auto d = Unit(direction);
+    if (!n || !d) return std::nullopt;
+    const Vector3 residue = *d - Dot(*d, *n) * *n;
+    if (!(LengthSquared(residue) > kSmallestSineSquared)) return std::nullopt;
+    const auto across = Unit(residue - Dot(residue, *n) * *n);
     if (!across) return std::nullopt;
     return Axes{*across, Cross(*n, *across), *n};
 }
