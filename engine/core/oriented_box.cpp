@@ -98,9 +98,11 @@ public:
 private:
     void Add(const NarrowTriangle& triangle) {
         const Vector3 v[3] = {Vertex(triangle, 0), Vertex(triangle, 1), Vertex(triangle, 2)};
-        const Vector3 edges[3] = {v[1] - v[0], v[2] - v[1], v[0] - v[2]};
+        Vector3 edges[3] = {v[1] - v[0], v[2] - v[1], v[0] - v[2]};
         const Vector3 normal = Cross(edges[0], edges[1]);
-        const Vector3 edge = *std::ranges::max_element(edges, {}, LengthSquared);
+        // The longest edge of half a rectangle is its diagonal, the next one leads along a side.
+        std::ranges::sort(edges, {}, LengthSquared);
+        const Vector3& edge = edges[1];
         normal_sum_ = Dot(normal, normal_sum_) < 0.0 ? normal_sum_ - normal : normal_sum_ + normal;
         if (LengthSquared(edge) > LengthSquared(longest_edge_)) longest_edge_ = edge;
         if (LengthSquared(normal) > LengthSquared(largest_normal_)) {

@@ -37,10 +37,17 @@ public:
     double Best() const { return best_.load(std::memory_order_relaxed); }
     SearchLimit& Limit() { return limit_; }
 
+    /// Whether leaves that have triangles at this squared distance can be the answer. Of many that are equally
+    /// far, as on parallel faces, only those are that come before the best so far.
+    bool MayWin(const NodePair& leaves, double distance_squared) {
+        const std::lock_guard lock(access_);
+        return Wins(leaves, distance_squared);
+    }
+
     /// The nearest of a leaf pair without a touching one.
     void Add(const NearestTriangles& measured) {
         const std::lock_guard lock(access_);
-        if (!Wins(measured)) return;
+        if (!Wins(measured.leaves, measured.distance_squared)) return;
         nearest_ = measured;
         best_.store(measured.distance_squared, std::memory_order_relaxed);
         limit_.LowerTo(LimitFor(measured.distance_squared));
@@ -59,11 +66,11 @@ private:
     /// Touching leaf pairs have to be met whatever the best is.
     double LimitFor(double best) const { return std::max(best, kTouchDistanceSquared) + slack_; }
 
-    bool Wins(const NearestTriangles& measured) const {
+    bool Wins(const NodePair& leaves, double distance_squared) const {
         if (!nearest_.is_valid) return true;
-        return measured.distance_squared < nearest_.distance_squared ||
-               (measured.distance_squared == nearest_.distance_squared &&
-                ComesBefore(first_, second_, measured.leaves, nearest_.leaves));
+        return distance_squared < nearest_.distance_squared ||
+               (distance_squared == nearest_.distance_squared &&
+                ComesBefore(first_, second_, leaves, nearest_.leaves));
     }
 
     const AABBHierarchy& first_;
@@ -158,6 +165,7 @@ private:
                 if (!nearest.Touches() && IsWithin(BoxDistance(leaves), bound)) nearest.AddTouching();
                 return;
             }
+            if (!nearest.MayWin(leaves, squared)) return;
             const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
             if (measured.is_valid) nearest.Add(measured);
         };

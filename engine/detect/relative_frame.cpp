@@ -15,8 +15,9 @@ namespace {
 constexpr double kSmallestReach = 1e-12;
 constexpr double kLargestReach = 1e15;
 constexpr double kLargestSkew = 1e-4;
-/// Of an edge, by placements that are not quite rigid and by rounding.
+/// Of an edge, by placements that are not quite rigid, and by what single precision made of its ends.
 constexpr double kEdgeGrowth = 1.001;
+constexpr double kEdgeRounding = 4.0 * 0x1p-24;
 
 Vector3 Column(const MATRIX& placement, std::size_t column) {
     return {placement[column], placement[4 + column], placement[8 + column]};
@@ -73,7 +74,7 @@ RelativeFrame::RelativeFrame(const AABBHierarchy& first, const AABBHierarchy& se
                 world_reach <= kLargestReach;
     rounding_margin_ = 128.0 * 0x1p-53 * world_reach + 32.0 * std::max(first_skew, second_skew) * reach;
     narrow_margin_ = 256.0 * 0x1p-24 * reach;
-    crossing_margin_ = GuaranteedSeparation(kEdgeGrowth * longest_edge);
+    crossing_margin_ = GuaranteedSeparation(kEdgeGrowth * longest_edge + kEdgeRounding * reach);
 }
 
 bool RelativeFrame::AreApart(const Box& first_box, const Box& second_box, double margin) const {
