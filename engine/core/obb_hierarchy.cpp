@@ -155,6 +155,8 @@ double LongestEdgeOf(std::span<const NarrowTriangle> triangles) {
 
 std::optional<OBBHierarchy> OBBHierarchy::Build(std::span<const AABBHierarchyNode> nodes,
                                                 std::span<const Triangle> triangles) {
+    // Four times the number of a leaf, and a bit, fit into 32.
+    if (triangles.size() >= (std::size_t{1} << 29)) return std::nullopt;
     const Box root = nodes[0].LocalBox();
     const auto count = static_cast<std::uint32_t>(triangles.size());
     OBBHierarchy tree;

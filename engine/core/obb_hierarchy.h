@@ -58,7 +58,7 @@ public:
 
     /// Over `triangles`, which stand in the order of the leaves of `nodes`, the nodes of a binary tree that is
     /// not empty, in pre-order. Runs in parallel; the tree is the same whatever the threads. Nothing where a
-    /// coordinate leaves single precision.
+    /// coordinate leaves single precision, and for 2^29 triangles or more.
     static std::optional<OBBHierarchy> Build(std::span<const AABBHierarchyNode> nodes,
                                              std::span<const Triangle> triangles);
 

@@ -23,7 +23,7 @@ using V = hn::Vec<Lanes>;
 /// Squares and sums of squares round, and axes are not quite at right angles; this much smaller they are lower
 /// bounds still.
 constexpr float kShrink = 1.0F - 0x1p-18F;
-/// Of an inverse root that is good to seven bits.
+/// Of an inverse root that is good to seven bits, and of sines of axes that are not quite unit vectors.
 constexpr float kRootShrink = 1.0F - 0x1p-6F;
 /// Squared sines below this make no direction.
 constexpr float kSmallestSineSquared = 1e-3F;
@@ -58,7 +58,7 @@ struct Look {
     alignas(32) float gap[OBBNode::kLanes];
 };
 
-/// Boxes that are no numbers are near: nothing compares with them.
+/// All boxes are finite: trees are made of nothing else, and frames are rigid.
 template <SearchGoal kGoal>
 HWY_INLINE void LookAtLanes(const TurnedBox& single,
                             const OBBNode& node,

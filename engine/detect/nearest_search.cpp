@@ -41,7 +41,14 @@ public:
     /// far, as on parallel faces, only those are that come before the best so far.
     bool MayWin(const NodePair& leaves, double distance_squared) {
         const std::lock_guard lock(access_);
-        return Wins(leaves, distance_squared);
+        const bool is_dropped = leaves.first == dropped_.first && leaves.second == dropped_.second;
+        return !is_dropped && Wins(leaves, distance_squared);
+    }
+
+    /// For leaves that touch: the others of their triangles, which often come next, count for nothing.
+    void Drop(const NodePair& leaves) {
+        const std::lock_guard lock(access_);
+        dropped_ = leaves;
     }
 
     /// The nearest of a leaf pair without a touching one.
@@ -77,6 +84,7 @@ private:
     const AABBHierarchy& second_;
     std::mutex access_;
     NearestTriangles nearest_;
+    NodePair dropped_{};
     std::atomic<double> best_;
     std::atomic<bool> touches_{false};
     double slack_;
@@ -168,6 +176,7 @@ private:
             if (!nearest.MayWin(leaves, squared)) return;
             const NearestTriangles measured = leaf_distance_.Measure(leaves, nearest.Best(), Filters::On);
             if (measured.is_valid) nearest.Add(measured);
+            if (measured.touches) nearest.Drop(leaves);
         };
         VisitNearTriangles(first_, second_, frame_, SearchGoal::Nearest, nearest.Limit(), visit);
         return nearest.Result();

@@ -57,17 +57,25 @@ std::vector<std::pair<const char*, Mesh>> AllKinds() {
     std::mt19937_64 random(1);
     const Mesh box = test::BoxMesh(0, 0, 0, 1, 2, 3);
     const Mesh soup = test::TriangleSoup(random, 5000, 10.0, 3.0);
-    return {{"one", Mesh(1, box[0])},
-            {"box", box},
-            {"soup", soup},
-            {"soup, tiny", Placed(soup, {{1e-9, 0, 0, 0, 0, 1e-9, 0, 0, 0, 0, 1e-9, 0}})},
-            {"soup, huge", Placed(soup, {{1e13, 0, 0, 0, 0, 1e13, 0, 0, 0, 0, 1e13, 0}})},
-            {"soup, far away", Placed(soup, test::Translation(1e6, -1e6, 1e6))},
-            {"lattice", test::LatticeSoup(random, 1000, 3, 0.1)},
-            {"plate", test::GridMesh(7.0, 20)},
-            {"turned plate", Placed(test::GridMesh(7.0, 20), test::RandomRigid(random, 10.0))},
-            {"slivers", Slivers(random, 1000)},
-            {"coincident", Mesh(1000, box[5])}};
+    std::vector<std::pair<const char*, Mesh>> kinds{
+        {"one", Mesh(1, box[0])},
+        {"box", box},
+        {"soup", soup},
+        {"soup, tiny", Placed(soup, {{1e-9, 0, 0, 0, 0, 1e-9, 0, 0, 0, 0, 1e-9, 0}})},
+        {"soup, huge", Placed(soup, {{1e13, 0, 0, 0, 0, 1e13, 0, 0, 0, 0, 1e13, 0}})},
+        {"soup, far away", Placed(soup, test::Translation(1e6, -1e6, 1e6))},
+        {"lattice", test::LatticeSoup(random, 1000, 3, 0.1)},
+        {"plate", test::GridMesh(7.0, 20)},
+        {"turned plate", Placed(test::GridMesh(7.0, 20), test::RandomRigid(random, 10.0))},
+        {"slivers", Slivers(random, 1000)},
+        {"coincident", Mesh(1000, box[5])}};
+    // Here the sum of the normals is the direction of the longest edge, up to rounding.
+    for (double f = 1.0; f < 2.0; f += 0.03) {
+        const double end = 1.8 * f;
+        const TriangleData needle{0, 0, 0, end, end, end, f, f, f};
+        kinds.emplace_back("needles through a facet", Mesh{{f, -f, 0, 0, f, -f, -f, 0, f}, needle, needle});
+    }
+    return kinds;
 }
 
 /// Goes through the filter tree of a hierarchy and holds it against the hierarchy's triangles.
