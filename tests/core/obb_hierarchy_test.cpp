@@ -70,10 +70,10 @@ std::vector<std::pair<const char*, Mesh>> AllKinds() {
         {"slivers", Slivers(random, 1000)},
         {"coincident", Mesh(1000, box[5])}};
     // Here the sum of the normals is the direction of the longest edge, up to rounding.
-    for (double f = 1.0; f < 2.0; f += 0.03) {
-        const double end = 1.8 * f;
-        const TriangleData needle{0, 0, 0, end, end, end, f, f, f};
-        kinds.emplace_back("needles through a facet", Mesh{{f, -f, 0, 0, f, -f, -f, 0, f}, needle, needle});
+    for (double z = 1.0; z < 10.0; z += 1.0) {
+        const TriangleData facet{-8, 8, 0, 8, -8, 0, 4 * z, 4 * z, -8};
+        const TriangleData needle{0, 0, 0, 20, 20, 20 * z, 10, 10, 10 * z};
+        kinds.emplace_back("needles through a facet", Mesh{facet, needle, needle});
     }
     return kinds;
 }
