@@ -59,6 +59,9 @@ struct Model {
 void ExpectSame(const Table& table, const Model& model, const std::vector<std::uint64_t>& keys) {
     ASSERT_TRUE(std::ranges::equal(table, model.entries));
     ASSERT_EQ(table.empty(), model.entries.empty());
+    std::vector<const Numbered*> found(keys.size(), nullptr);
+    table.FindAll(keys, [&](std::size_t i, const Numbered& entry) { found[i] = &entry; });
+    ASSERT_TRUE(std::ranges::equal(keys, found, {}, [&](std::uint64_t key) { return table.Find(key); }));
     for (const std::uint64_t key : keys) {
         const std::size_t position = model.PositionOf(key);
         const bool is_there = position < model.entries.size();
