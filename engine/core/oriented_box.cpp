@@ -92,8 +92,8 @@ public:
         for (std::size_t i = 0; i < triangles.size(); i += step) Add(triangles[i]);
     }
 
-    std::optional<Axes> AlongLargestTriangle() const { return AxesAlong(largest_normal_, largest_edge_); }
-    std::optional<Axes> AlongNormals() const { return AxesAlong(normal_sum_, longest_edge_); }
+    std::optional<Axes> AlongLargestTriangle() const { return AxesAlong(largest_normal_, side_of_largest_); }
+    std::optional<Axes> AlongNormals() const { return AxesAlong(normal_sum_, longest_side_); }
 
 private:
     void Add(const NarrowTriangle& triangle) {
@@ -102,19 +102,19 @@ private:
         const Vector3 normal = Cross(edges[0], edges[1]);
         // The longest edge of half a rectangle is its diagonal, the next one leads along a side.
         std::ranges::sort(edges, {}, LengthSquared);
-        const Vector3& edge = edges[1];
+        const Vector3& side = edges[1];
         normal_sum_ = Dot(normal, normal_sum_) < 0.0 ? normal_sum_ - normal : normal_sum_ + normal;
-        if (LengthSquared(edge) > LengthSquared(longest_edge_)) longest_edge_ = edge;
+        if (LengthSquared(side) > LengthSquared(longest_side_)) longest_side_ = side;
         if (LengthSquared(normal) > LengthSquared(largest_normal_)) {
             largest_normal_ = normal;
-            largest_edge_ = edge;
+            side_of_largest_ = side;
         }
     }
 
     Vector3 normal_sum_{};
-    Vector3 longest_edge_{};
+    Vector3 longest_side_{};
     Vector3 largest_normal_{};
-    Vector3 largest_edge_{};
+    Vector3 side_of_largest_{};
 };
 
 /// The first and second moments of a surface.
